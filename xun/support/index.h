@@ -6,7 +6,6 @@
 #include <string>
 #include <string_view>
 #include <utility>
-#include <variant>
 
 namespace xun {
 
@@ -14,24 +13,23 @@ class Index {
  public:
   template <std::integral I>
     requires(!std::same_as<I, bool>)
-  Index(I position) : value_(static_cast<int64_t>(position)) {}
-  Index(std::string key) : value_(std::move(key)) {}
-  Index(std::string_view key) : value_(std::string(key)) {}
-  Index(const char* key) : value_(std::string(key)) {}
+  Index(I position) : position_(static_cast<int64_t>(position)) {}
+  Index(std::string key) : is_key_(true), key_(std::move(key)) {}
+  Index(std::string_view key) : is_key_(true), key_(key) {}
+  Index(const char* key) : is_key_(true), key_(key) {}
 
-  bool IsPosition() const noexcept { return std::holds_alternative<int64_t>(value_); }
-  bool IsKey() const noexcept { return !IsPosition(); }
-  // Only meaningful for the matching kind.
-  int64_t Position() const noexcept { return IsPosition() ? std::get<int64_t>(value_) : 0; }
-  const std::string& Key() const noexcept {
-    static const std::string kNone;
-    return IsKey() ? std::get<std::string>(value_) : kNone;
-  }
+  bool IsPosition() const noexcept { return !is_key_; }
+  bool IsKey() const noexcept { return is_key_; }
+  // Only meaningful for the matching kind: 0 for a key, "" for a position.
+  int64_t Position() const noexcept { return position_; }
+  const std::string& Key() const noexcept { return key_; }
 
   friend bool operator==(const Index&, const Index&) = default;
 
  private:
-  std::variant<int64_t, std::string> value_;
+  bool is_key_ = false;
+  int64_t position_ = 0;
+  std::string key_;
 };
 
 }  // namespace xun
