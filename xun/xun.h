@@ -2,10 +2,14 @@
 #pragma once
 
 #include "xun/export.h"
+#include "xun/model/enums.h"
+#include "xun/model/field_extra.h"
+#include "xun/model/string_items.h"
 #include "xun/support/bounded_array.h"
 #include "xun/support/dictionary.h"
 #include "xun/support/error_handler.h"
 #include "xun/support/error_reporter.h"
+#include "xun/support/file_helpers.h"
 #include "xun/support/index.h"
 #include "xun/support/keyed_collection.h"
 #include "xun/support/message_box.h"
@@ -14,4 +18,5 @@
 #include "xun/support/runtime_error.h"
 #include "xun/support/text.h"
 #include "xun/support/trap.h"
+#include "xun/support/value_helpers.h"
 #include "xun/support/variant.h"

@@ -18,11 +18,14 @@ Variant RecordingHandler::RaiseError(Variant& vNumber, int32_t& lKind, std::stri
   return Variant(int16_t{0});
 }
 
-ScopedHandler::ScopedHandler() : handler_(std::make_shared<RecordingHandler>()) {
+ScopedHandler::ScopedHandler()
+    : handler_(std::make_shared<RecordingHandler>()), previous_(basError::Handler()) {
   basError::SetHandler(handler_);
 }
 
-ScopedHandler::~ScopedHandler() { basError::SetHandler(nullptr); }
+ScopedHandler::~ScopedHandler() {
+  basError::SetHandler(previous_);
+}
 
 std::vector<std::string> ScopedHandler::Locations() const {
   static const std::string kPrefix = "Office Template - ";
@@ -40,7 +43,9 @@ ScopedMessageCapture::ScopedMessageCapture()
       [sink](const MessageBoxRequest& request) { sink->push_back(request); });
 }
 
-ScopedMessageCapture::~ScopedMessageCapture() { basError::SetMessageBox(previous_); }
+ScopedMessageCapture::~ScopedMessageCapture() {
+  basError::SetMessageBox(previous_);
+}
 
 TempFolder::TempFolder() {
   std::random_device rd;

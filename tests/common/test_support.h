@@ -46,6 +46,7 @@ class ScopedHandler {
 
  private:
   std::shared_ptr<RecordingHandler> handler_;
+  std::shared_ptr<IErrorHandler> previous_;
 };
 
 // Captures every message shown on this thread while alive.

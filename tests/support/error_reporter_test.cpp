@@ -36,8 +36,8 @@ std::string LogLineWith(const std::string& needle) {
 TEST(ErrorReporter, LogLineWithoutHandler) {
   ScopedMessageCapture messages;
   const std::string description = UniqueText("File not found");
-  EXPECT_EQ(basError::ReportError(0, Variant(53), 0, description, "clsXUNTemplate.Read", "", "",
-                                  "", "", 1, "", "", "", 0, Variant(false)),
+  EXPECT_EQ(basError::ReportError(0, Variant(53), 0, description, "clsXUNTemplate.Read", "", "", "",
+                                  "", 1, "", "", "", 0, Variant(false)),
             0);
   const std::string line = LogLineWith(description);
   const std::regex expected("Error# 53: " + description +
@@ -58,15 +58,17 @@ TEST(ErrorReporter, ValidationMessageWithoutNumberIsLogged) {
 TEST(ErrorReporter, LineNumberOnlyWhenKnown) {
   EXPECT_EQ(basError::FullLocation("clsXUNTemplate.Read", 12),
             "Office Template - clsXUNTemplate.Read; Line: 12");
-  EXPECT_EQ(basError::FullLocation("clsXUNTemplate.Read", 0), "Office Template - clsXUNTemplate.Read");
-  EXPECT_EQ(basError::FullLocation("clsXUNTemplate.Read", -3), "Office Template - clsXUNTemplate.Read");
+  EXPECT_EQ(basError::FullLocation("clsXUNTemplate.Read", 0),
+            "Office Template - clsXUNTemplate.Read");
+  EXPECT_EQ(basError::FullLocation("clsXUNTemplate.Read", -3),
+            "Office Template - clsXUNTemplate.Read");
 }
 
 TEST(ErrorReporter, HandlerGetsTheReportAndItsSilentBack) {
   ScopedHandler handler;
   handler->silent = false;
-  basError::ReportError(7, Variant(5), 2, "text", "clsXUNPage.Copy", "Title", "", "", "", 1, "",
-                        "", "", 0, Variant(true));
+  basError::ReportError(7, Variant(5), 2, "text", "clsXUNPage.Copy", "Title", "", "", "", 1, "", "",
+                        "", 0, Variant(true));
   ASSERT_EQ(handler.reports().size(), 1u);
   const testing::Report& r = handler.reports()[0];
   EXPECT_EQ(r.number, Variant(5));
@@ -89,8 +91,8 @@ class ScriptedHandler : public IErrorHandler {
   bool Silent() override { return silent; }
   void Silent(bool value) override { silent = value; }
   Variant RaiseError(Variant&, int32_t&, std::string&, std::string&, std::string&, std::string&,
-                     std::string&, std::string&, int32_t&, std::string&, std::string&,
-                     std::string&, int32_t&) override {
+                     std::string&, std::string&, int32_t&, std::string&, std::string&, std::string&,
+                     int32_t&) override {
     if (throw_host) throw HostError(1001, "host says no");
     return answer;
   }
@@ -116,7 +118,8 @@ TEST(ErrorReporter, HandlerAnswerIsTheResult) {
 TEST(ErrorReporter, FallbackMessageWhenTheHandlerFails) {
   ScopedMessageCapture messages;
   basError::SetHandler(std::make_shared<HandlerWithoutRaiseError>());
-  EXPECT_EQ(basError::ReportError(0, Variant(9), 0, "Subscript out of range", "clsXUNPages.Item"), 0);
+  EXPECT_EQ(basError::ReportError(0, Variant(9), 0, "Subscript out of range", "clsXUNPages.Item"),
+            0);
 
   auto scripted = std::make_shared<ScriptedHandler>();
   scripted->answer = Variant("not a number");
@@ -142,8 +145,8 @@ TEST(ErrorReporter, HostErrorPassesThroughWithSilentRestored) {
   auto handler = std::make_shared<ScriptedHandler>();
   handler->throw_host = true;
   basError::SetHandler(handler);
-  EXPECT_THROW(basError::ReportError(0, Variant(5), 0, "d", "x.y", "", "", "", "", 1, "", "", "",
-                                     0, Variant(true)),
+  EXPECT_THROW(basError::ReportError(0, Variant(5), 0, "d", "x.y", "", "", "", "", 1, "", "", "", 0,
+                                     Variant(true)),
                HostError);
   EXPECT_FALSE(handler->silent);
   // Through a trap as well: the host's error reaches the caller unchanged.
@@ -170,9 +173,8 @@ TEST(Trap, ReportsAndReturnsTheEmptyResult) {
                  []() -> std::string { Raise(kErrInvalidPropertyValue); }),
             "fallback");
   EXPECT_EQ(Trap("a.NoMemory", 0, []() -> int { throw std::bad_alloc(); }), 0);
-  EXPECT_FALSE(Trap("a.Missing", [] {
-    (void)std::filesystem::file_size("/nonexistent/xun/file");
-  }));
+  EXPECT_FALSE(
+      Trap("a.Missing", [] { (void)std::filesystem::file_size("/nonexistent/xun/file"); }));
   EXPECT_TRUE(Trap("a.Fine", [] {}));
   ASSERT_EQ(handler.reports().size(), 3u);
   EXPECT_EQ(handler.reports()[0].number, Variant(380));
@@ -181,7 +183,8 @@ TEST(Trap, ReportsAndReturnsTheEmptyResult) {
   EXPECT_EQ(handler.reports()[0].title, "");
   EXPECT_EQ(handler.reports()[1].number, Variant(7));
   EXPECT_EQ(handler.reports()[2].number, Variant(53));
-  EXPECT_EQ(handler.Locations(), (std::vector<std::string>{"basPublic.Encrypt", "a.NoMemory", "a.Missing"}));
+  EXPECT_EQ(handler.Locations(),
+            (std::vector<std::string>{"basPublic.Encrypt", "a.NoMemory", "a.Missing"}));
 }
 
 }  // namespace

@@ -20,7 +20,9 @@ int ErrorOf(auto&& f) {
 
 using Collection = OrderedKeyedCollection<std::string>;
 
-std::vector<std::string> Items(const Collection& c) { return {c.begin(), c.end()}; }
+std::vector<std::string> Items(const Collection& c) {
+  return {c.begin(), c.end()};
+}
 
 // Checks every entry is found at its position and under its key; positions are kept as offsets,
 // so this catches any renumbering slip.
@@ -38,8 +40,8 @@ TEST(KeyedCollection, InsertBeforeAndAfterByPositionOrKey) {
   Collection c;
   c.Add("b", "B");
   c.Add("d", "D");
-  c.Add("a", "A", Index(1));             // before position 1
-  c.Add("c", "C", std::nullopt, "b");    // after key b
+  c.Add("a", "A", Index(1));           // before position 1
+  c.Add("c", "C", std::nullopt, "b");  // after key b
   c.Add("e", std::nullopt, std::nullopt, Index(4));
   EXPECT_EQ(Items(c), (std::vector<std::string>{"a", "b", "c", "d", "e"}));
   ExpectConsistent(c);
@@ -74,11 +76,12 @@ TEST(KeyedCollection, KeysIgnoreCaseBeyondAscii) {
 
 TEST(KeyedCollection, RemovalShiftsPositionsFromEitherSide) {
   Collection c;
-  for (int i = 1; i <= 9; ++i) c.Add(std::to_string(i), "K" + std::to_string(i));
-  c.Remove(1);    // front
+  for (int i = 1; i <= 9; ++i)
+    c.Add(std::to_string(i), "K" + std::to_string(i));
+  c.Remove(1);     // front
   c.Remove("K9");  // back
-  c.Remove(2);    // inside, near the front: K3
-  c.Remove(5);    // inside, near the back: K7
+  c.Remove(2);     // inside, near the front: K3
+  c.Remove(5);     // inside, near the back: K7
   EXPECT_EQ(Items(c), (std::vector<std::string>{"2", "4", "5", "6", "8"}));
   ExpectConsistent(c);
   c.Add("x", "KX", Index(2));  // inside, near the front

@@ -9,7 +9,8 @@ namespace {
 
 TEST(Text, Windows1252RoundTripsEveryByte) {
   std::string all;
-  for (int b = 0; b < 256; ++b) all.push_back(static_cast<char>(b));
+  for (int b = 0; b < 256; ++b)
+    all.push_back(static_cast<char>(b));
   const std::string utf8 = Windows1252ToUtf8(all);
   bool lossless = false;
   EXPECT_EQ(Utf8ToWindows1252(utf8, &lossless), all);

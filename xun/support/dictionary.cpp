@@ -2,7 +2,9 @@
 
 namespace xun {
 
-std::shared_ptr<Dictionary> Dictionary::Create() { return std::shared_ptr<Dictionary>(new Dictionary()); }
+std::shared_ptr<Dictionary> Dictionary::Create() {
+  return std::shared_ptr<Dictionary>(new Dictionary());
+}
 
 void Dictionary::Add(const std::string& key, Variant item) {
   entries_.Add(Entry{key, std::move(item)}, key);
@@ -29,14 +31,16 @@ void Dictionary::Remove(const std::string& key) {
 std::vector<std::string> Dictionary::Keys() const {
   std::vector<std::string> keys;
   keys.reserve(static_cast<size_t>(entries_.Count()));
-  for (const Entry& entry : entries_) keys.push_back(entry.key);
+  for (const Entry& entry : entries_)
+    keys.push_back(entry.key);
   return keys;
 }
 
 std::vector<Variant> Dictionary::Items() const {
   std::vector<Variant> items;
   items.reserve(static_cast<size_t>(entries_.Count()));
-  for (const Entry& entry : entries_) items.push_back(entry.item);
+  for (const Entry& entry : entries_)
+    items.push_back(entry.item);
   return items;
 }
 

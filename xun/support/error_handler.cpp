@@ -6,9 +6,13 @@ namespace xun {
 
 IErrorHandler::~IErrorHandler() = default;
 
-bool IErrorHandler::Silent() { Raise(kErrNoSuchMember); }
+bool IErrorHandler::Silent() {
+  Raise(kErrNoSuchMember);
+}
 
-void IErrorHandler::Silent(bool) { Raise(kErrNoSuchMember); }
+void IErrorHandler::Silent(bool) {
+  Raise(kErrNoSuchMember);
+}
 
 Variant IErrorHandler::RaiseError(Variant&, int32_t&, std::string&, std::string&, std::string&,
                                   std::string&, std::string&, std::string&, int32_t&, std::string&,

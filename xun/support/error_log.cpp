@@ -31,7 +31,9 @@ std::filesystem::path LogFilePath() {
 
 namespace detail {
 
-bool LogAvailable() { return !LibraryFolder().empty(); }
+bool LogAvailable() {
+  return !LibraryFolder().empty();
+}
 
 void AppendToLog(const std::string& line) {
   const std::filesystem::path path = LogFilePath();

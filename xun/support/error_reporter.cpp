@@ -31,10 +31,10 @@ std::string ReportText(const Variant& number, const std::string& description,
 // Calls the handler, restoring its "Silent" whatever happens after it was read.
 int16_t CallHandler(IErrorHandler& handler, const Variant& vNumber, int32_t lKind,
                     const std::string& sDescription, const std::string& full_location,
-                    const std::string& sTitle, const std::string& sText1,
-                    const std::string& sText2, const std::string& sText3, int32_t lValue1,
-                    const std::string& sText4, const std::string& sText5,
-                    const std::string& sText6, int32_t lValue2, const Variant& vSilent) {
+                    const std::string& sTitle, const std::string& sText1, const std::string& sText2,
+                    const std::string& sText3, int32_t lValue1, const std::string& sText4,
+                    const std::string& sText5, const std::string& sText6, int32_t lValue2,
+                    const Variant& vSilent) {
   const bool kept_silent = handler.Silent();
   struct RestoreSilent {
     IErrorHandler& handler;
@@ -69,16 +69,20 @@ std::string FullLocation(const std::string& sLocation, int32_t lErl) {
   return full;
 }
 
-void SetHandler(std::shared_ptr<IErrorHandler> handler) { t_handler = std::move(handler); }
+void SetHandler(std::shared_ptr<IErrorHandler> handler) {
+  t_handler = std::move(handler);
+}
 
-std::shared_ptr<IErrorHandler> Handler() { return t_handler; }
+std::shared_ptr<IErrorHandler> Handler() {
+  return t_handler;
+}
 
 int16_t ReportError(int32_t lErl, const Variant& vNumber, int32_t lKind,
                     const std::string& sDescription, const std::string& sLocation,
-                    const std::string& sTitle, const std::string& sText1,
-                    const std::string& sText2, const std::string& sText3, int32_t lValue1,
-                    const std::string& sText4, const std::string& sText5,
-                    const std::string& sText6, int32_t lValue2, const Variant& vSilent) {
+                    const std::string& sTitle, const std::string& sText1, const std::string& sText2,
+                    const std::string& sText3, int32_t lValue1, const std::string& sText4,
+                    const std::string& sText5, const std::string& sText6, int32_t lValue2,
+                    const Variant& vSilent) {
   // There is no screen pointer to reset here: the host owns its user interface.
   int16_t result = 0;
   std::string full_location;

@@ -12,8 +12,7 @@ namespace xun {
 class Index {
  public:
   template <std::integral I>
-    requires(!std::same_as<I, bool>)
-  Index(I position) : position_(static_cast<int64_t>(position)) {}
+  requires(!std::same_as<I, bool>) Index(I position) : position_(static_cast<int64_t>(position)) {}
   Index(std::string key) : is_key_(true), key_(std::move(key)) {}
   Index(std::string_view key) : is_key_(true), key_(key) {}
   Index(const char* key) : is_key_(true), key_(key) {}

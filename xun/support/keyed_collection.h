@@ -59,7 +59,8 @@ class OrderedKeyedCollection {
     size_t at = nodes_.size();
     if (before) at = OffsetOfAnchor(*before);
     if (after) at = OffsetOfAnchor(*after) + 1;
-    if (nodes_.size() >= static_cast<size_t>(std::numeric_limits<int32_t>::max())) Raise(kErrOverflow);
+    if (nodes_.size() >= static_cast<size_t>(std::numeric_limits<int32_t>::max()))
+      Raise(kErrOverflow);
 
     auto node = std::make_unique<Node>(Node{std::move(item), std::move(key), {}, 0});
     if (node->key) {
@@ -130,7 +131,9 @@ class OrderedKeyedCollection {
       ++it_;
       return old;
     }
-    friend bool operator==(const BasicIterator& a, const BasicIterator& b) { return a.it_ == b.it_; }
+    friend bool operator==(const BasicIterator& a, const BasicIterator& b) {
+      return a.it_ == b.it_;
+    }
 
    private:
     Base it_{};
@@ -179,11 +182,13 @@ class OrderedKeyedCollection {
   // Slots are renumbered on the shorter side of the change, so work at either end is O(1).
   void InsertAt(size_t at, std::unique_ptr<Node> node) {
     if (at >= nodes_.size() / 2) {
-      for (size_t i = at; i < nodes_.size(); ++i) ++nodes_[i]->slot;
+      for (size_t i = at; i < nodes_.size(); ++i)
+        ++nodes_[i]->slot;
       node->slot = base_ + static_cast<int64_t>(at);
       nodes_.insert(nodes_.begin() + static_cast<std::ptrdiff_t>(at), std::move(node));
     } else {
-      for (size_t i = 0; i < at; ++i) --nodes_[i]->slot;
+      for (size_t i = 0; i < at; ++i)
+        --nodes_[i]->slot;
       --base_;
       node->slot = base_ + static_cast<int64_t>(at);
       nodes_.insert(nodes_.begin() + static_cast<std::ptrdiff_t>(at), std::move(node));
@@ -192,9 +197,11 @@ class OrderedKeyedCollection {
 
   void EraseAt(size_t at) {
     if (at >= nodes_.size() / 2) {
-      for (size_t i = at + 1; i < nodes_.size(); ++i) --nodes_[i]->slot;
+      for (size_t i = at + 1; i < nodes_.size(); ++i)
+        --nodes_[i]->slot;
     } else {
-      for (size_t i = 0; i < at; ++i) ++nodes_[i]->slot;
+      for (size_t i = 0; i < at; ++i)
+        ++nodes_[i]->slot;
       ++base_;
     }
     nodes_.erase(nodes_.begin() + static_cast<std::ptrdiff_t>(at));

@@ -8,8 +8,12 @@
 namespace xun {
 namespace {
 
-bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsBlank(char c) {
+  return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
 
 // Scans a number at the start of `text` (no blanks). Returns the length scanned and whether any
 // digit was seen.
@@ -17,10 +21,12 @@ size_t ScanNumber(std::string_view text, bool& has_digits) {
   size_t i = 0;
   has_digits = false;
   if (i < text.size() && (text[i] == '+' || text[i] == '-')) ++i;
-  while (i < text.size() && IsDigit(text[i])) ++i, has_digits = true;
+  while (i < text.size() && IsDigit(text[i]))
+    ++i, has_digits = true;
   if (i < text.size() && text[i] == '.') {
     ++i;
-    while (i < text.size() && IsDigit(text[i])) ++i, has_digits = true;
+    while (i < text.size() && IsDigit(text[i]))
+      ++i, has_digits = true;
   }
   if (!has_digits) return 0;
   // An exponent counts only when digits follow it; "D" is the classic double exponent letter.
@@ -28,7 +34,8 @@ size_t ScanNumber(std::string_view text, bool& has_digits) {
     size_t j = i + 1;
     if (j < text.size() && (text[j] == '+' || text[j] == '-')) ++j;
     if (j < text.size() && IsDigit(text[j])) {
-      while (j < text.size() && IsDigit(text[j])) ++j;
+      while (j < text.size() && IsDigit(text[j]))
+        ++j;
       i = j;
     }
   }
@@ -58,7 +65,8 @@ double ParseScanned(std::string_view number) {
 
 double Val(std::string_view text) {
   size_t start = 0;
-  while (start < text.size() && IsBlank(text[start])) ++start;
+  while (start < text.size() && IsBlank(text[start]))
+    ++start;
   bool has_digits = false;
   const size_t length = ScanNumber(text.substr(start), has_digits);
   if (!has_digits) return 0.0;
@@ -67,15 +75,19 @@ double Val(std::string_view text) {
 
 bool IsNumericText(std::string_view text) {
   size_t start = 0;
-  while (start < text.size() && IsBlank(text[start])) ++start;
+  while (start < text.size() && IsBlank(text[start]))
+    ++start;
   size_t stop = text.size();
-  while (stop > start && IsBlank(text[stop - 1])) --stop;
+  while (stop > start && IsBlank(text[stop - 1]))
+    --stop;
   bool has_digits = false;
   const std::string_view core = text.substr(start, stop - start);
   return ScanNumber(core, has_digits) == core.size() && has_digits;
 }
 
-double RoundHalfEven(double value) noexcept { return std::nearbyint(value); }
+double RoundHalfEven(double value) noexcept {
+  return std::nearbyint(value);
+}
 
 int16_t CInt(double value) {
   const double rounded = RoundHalfEven(value);

@@ -37,10 +37,13 @@ inline int16_t Add16(int32_t a, int32_t b) {
     Raise(kErrOverflow);
   return static_cast<int16_t>(sum);
 }
-inline int16_t Sub16(int32_t a, int32_t b) { return Add16(a, -b); }
+inline int16_t Sub16(int32_t a, int32_t b) {
+  return Add16(a, -b);
+}
 inline int16_t Mul16(int32_t a, int32_t b) {
   const int64_t product = static_cast<int64_t>(a) * b;
-  if (product < std::numeric_limits<int16_t>::min() || product > std::numeric_limits<int16_t>::max())
+  if (product < std::numeric_limits<int16_t>::min() ||
+      product > std::numeric_limits<int16_t>::max())
     Raise(kErrOverflow);
   return static_cast<int16_t>(product);
 }

@@ -69,7 +69,9 @@ constexpr std::array kErrorTexts{
 };
 
 static_assert(std::is_sorted(kErrorTexts.begin(), kErrorTexts.end(),
-                             [](const ErrorText& a, const ErrorText& b) { return a.number < b.number; }));
+                             [](const ErrorText& a, const ErrorText& b) {
+                               return a.number < b.number;
+                             }));
 
 int32_t FromErrc(const std::error_code& code) {
   if (code == std::errc::no_such_file_or_directory) return kErrFileNotFound;
@@ -99,7 +101,9 @@ RuntimeError::RuntimeError(int32_t number)
 RuntimeError::RuntimeError(int32_t number, std::string description)
     : number_(number), description_(std::move(description)) {}
 
-void Raise(int32_t number) { throw RuntimeError(number); }
+void Raise(int32_t number) {
+  throw RuntimeError(number);
+}
 
 HostError::HostError(int32_t number, std::string description)
     : number_(number), description_(std::move(description)) {}

@@ -97,10 +97,9 @@ std::string Windows1252ToUtf8(std::string_view bytes) {
   ConverterPtr converter = OpenWindows1252();
   std::u16string units(bytes.size(), u'\0');
   UErrorCode status = U_ZERO_ERROR;
-  const int32_t n =
-      ucnv_toUChars(converter.get(), reinterpret_cast<UChar*>(units.data()),
-                    static_cast<int32_t>(units.size()), bytes.data(),
-                    static_cast<int32_t>(bytes.size()), &status);
+  const int32_t n = ucnv_toUChars(converter.get(), reinterpret_cast<UChar*>(units.data()),
+                                  static_cast<int32_t>(units.size()), bytes.data(),
+                                  static_cast<int32_t>(bytes.size()), &status);
   if (U_FAILURE(status)) Raise(kErrInternal);
   units.resize(static_cast<size_t>(n));
   return Utf16ToUtf8(units);
@@ -190,15 +189,34 @@ int CompareText(std::string_view a, std::string_view b) {
 
 std::string_view TrimLeft(std::string_view text) noexcept {
   size_t start = 0;
-  while (start < text.size() && text[start] == ' ') ++start;
+  while (start < text.size() && text[start] == ' ')
+    ++start;
   return text.substr(start);
 }
 
 std::string_view Trim(std::string_view text) noexcept {
   text = TrimLeft(text);
   size_t stop = text.size();
-  while (stop > 0 && text[stop - 1] == ' ') --stop;
+  while (stop > 0 && text[stop - 1] == ' ')
+    --stop;
   return text.substr(0, stop);
+}
+
+std::vector<std::string_view> Split(std::string_view text, std::string_view delimiter) {
+  std::vector<std::string_view> pieces;
+  if (text.empty()) return pieces;
+  if (delimiter.empty()) {
+    pieces.push_back(text);
+    return pieces;
+  }
+  size_t start = 0;
+  for (size_t hit = text.find(delimiter); hit != std::string_view::npos;
+       hit = text.find(delimiter, start)) {
+    pieces.push_back(text.substr(start, hit - start));
+    start = hit + delimiter.size();
+  }
+  pieces.push_back(text.substr(start));
+  return pieces;
 }
 
 std::string ReplaceAll(std::string_view text, std::string_view from, std::string_view to) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "xun/export.h"
 
@@ -40,11 +41,18 @@ XUN_API std::string FoldCase(std::string_view utf8);
 XUN_API std::string ToUpper(std::string_view utf8);
 // Compares as text, ignoring letter case: <0, 0, >0.
 XUN_API int CompareText(std::string_view a, std::string_view b);
-inline bool EqualsText(std::string_view a, std::string_view b) { return CompareText(a, b) == 0; }
+inline bool EqualsText(std::string_view a, std::string_view b) {
+  return CompareText(a, b) == 0;
+}
 
 // Removes leading and trailing spaces (space characters only, as the classic Trim does).
 XUN_API std::string_view Trim(std::string_view text) noexcept;
 XUN_API std::string_view TrimLeft(std::string_view text) noexcept;
+
+// The pieces between occurrences of `delimiter` (exact match), empty pieces included, as the
+// classic Split: "a,,b," gives four pieces; empty text gives none; an empty delimiter gives the
+// whole text as one piece. The pieces view into `text`.
+XUN_API std::vector<std::string_view> Split(std::string_view text, std::string_view delimiter);
 
 // Replaces every occurrence of `from` (not empty) by `to`.
 XUN_API std::string ReplaceAll(std::string_view text, std::string_view from, std::string_view to);

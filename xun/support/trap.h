@@ -31,7 +31,7 @@ R Trap(std::string_view location, R fallback, F&& body) {
 
 // The same for members without a result. Returns false when the body failed.
 template <class F>
-  requires std::is_void_v<std::invoke_result_t<F>>
+requires std::is_void_v<std::invoke_result_t<F>>
 bool Trap(std::string_view location, F&& body) {
   try {
     std::forward<F>(body)();

@@ -80,7 +80,8 @@ std::string Decimal::ToText() const {
   if (scale > 0) {
     if (digits.size() <= scale) digits.insert(0, scale - digits.size() + 1, '0');
     digits.insert(digits.size() - scale, ".");
-    while (digits.back() == '0') digits.pop_back();
+    while (digits.back() == '0')
+      digits.pop_back();
     if (digits.back() == '.') digits.pop_back();
   }
   const bool zero = digits == "0";
@@ -136,7 +137,8 @@ std::string Variant::ToText() const {
       std::string text = std::to_string(magnitude / 10000);
       std::string fraction = std::to_string(magnitude % 10000);
       fraction.insert(0, 4 - fraction.size(), '0');
-      while (!fraction.empty() && fraction.back() == '0') fraction.pop_back();
+      while (!fraction.empty() && fraction.back() == '0')
+        fraction.pop_back();
       if (!fraction.empty()) text += "." + fraction;
       return negative ? "-" + text : text;
     }
@@ -194,9 +196,13 @@ double Variant::ToDouble() const {
   Raise(kErrTypeMismatch);
 }
 
-int16_t Variant::ToInteger() const { return CInt(ToDouble()); }
+int16_t Variant::ToInteger() const {
+  return CInt(ToDouble());
+}
 
-int32_t Variant::ToLong() const { return CLng(ToDouble()); }
+int32_t Variant::ToLong() const {
+  return CLng(ToDouble());
+}
 
 bool Variant::ToBoolean() const {
   if (const auto* b = std::get_if<bool>(&value_)) return *b;

@@ -93,8 +93,8 @@ class XUN_API Variant {
   Variant(NullValue value) : value_(value) {}
   Variant(VariantArray value) : value_(std::make_shared<const VariantArray>(std::move(value))) {}
   template <class T>
-    requires std::derived_from<T, Object>
-  Variant(std::shared_ptr<T> object) : value_(ObjectPtr(std::move(object))) {}
+  requires std::derived_from<T, Object> Variant(std::shared_ptr<T> object)
+      : value_(ObjectPtr(std::move(object))) {}
   Variant(std::nullptr_t) : value_(ObjectPtr()) {}  // the "Nothing" object reference
 
   static Variant Null() { return Variant(NullValue{}); }
@@ -138,8 +138,8 @@ class XUN_API Variant {
   friend bool operator==(const Variant& a, const Variant& b) { return a.value_ == b.value_; }
 
  private:
-  std::variant<std::monostate, NullValue, bool, uint8_t, int16_t, int32_t, float, double,
-               Currency, Date, std::string, Decimal, ObjectPtr, ErrorValue,
+  std::variant<std::monostate, NullValue, bool, uint8_t, int16_t, int32_t, float, double, Currency,
+               Date, std::string, Decimal, ObjectPtr, ErrorValue,
                std::shared_ptr<const VariantArray>>
       value_;
 };
