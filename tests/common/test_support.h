@@ -10,6 +10,17 @@
 
 namespace xun::testing {
 
+// The number of the run-time error that `f` raises, 0 when it raises none.
+template <class F>
+int32_t RaisedError(F&& f) {
+  try {
+    f();
+  } catch (const RuntimeError& e) {
+    return e.Number();
+  }
+  return 0;
+}
+
 // One report as the host's handler received it.
 struct Report {
   Variant number;

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "common/test_support.h"
+
 #include <string>
 #include <vector>
 
@@ -9,14 +11,7 @@
 namespace xun {
 namespace {
 
-int ErrorOf(auto&& f) {
-  try {
-    f();
-  } catch (const RuntimeError& e) {
-    return e.Number();
-  }
-  return 0;
-}
+using testing::RaisedError;
 
 using Collection = OrderedKeyedCollection<std::string>;
 
@@ -52,14 +47,14 @@ TEST(KeyedCollection, InsertBeforeAndAfterByPositionOrKey) {
 TEST(KeyedCollection, ClassicErrors) {
   Collection c;
   c.Add("x", "K");
-  EXPECT_EQ(ErrorOf([&] { c.Add("y", "k"); }), kErrDuplicateKey);  // keys ignore case
-  EXPECT_EQ(ErrorOf([&] { c.Add("y", std::nullopt, Index(5)); }), kErrInvalidCall);
-  EXPECT_EQ(ErrorOf([&] { c.Add("y", std::nullopt, "nope"); }), kErrInvalidCall);
-  EXPECT_EQ(ErrorOf([&] { c.Add("y", std::nullopt, Index(1), Index(1)); }), kErrInvalidCall);
-  EXPECT_EQ(ErrorOf([&] { c.Item(2); }), kErrSubscript);
-  EXPECT_EQ(ErrorOf([&] { c.Item(0); }), kErrSubscript);
-  EXPECT_EQ(ErrorOf([&] { c.Item("nope"); }), kErrInvalidCall);
-  EXPECT_EQ(ErrorOf([&] { c.Remove(2); }), kErrSubscript);
+  EXPECT_EQ(RaisedError([&] { c.Add("y", "k"); }), kErrDuplicateKey);  // keys ignore case
+  EXPECT_EQ(RaisedError([&] { c.Add("y", std::nullopt, Index(5)); }), kErrInvalidCall);
+  EXPECT_EQ(RaisedError([&] { c.Add("y", std::nullopt, "nope"); }), kErrInvalidCall);
+  EXPECT_EQ(RaisedError([&] { c.Add("y", std::nullopt, Index(1), Index(1)); }), kErrInvalidCall);
+  EXPECT_EQ(RaisedError([&] { c.Item(2); }), kErrSubscript);
+  EXPECT_EQ(RaisedError([&] { c.Item(0); }), kErrSubscript);
+  EXPECT_EQ(RaisedError([&] { c.Item("nope"); }), kErrInvalidCall);
+  EXPECT_EQ(RaisedError([&] { c.Remove(2); }), kErrSubscript);
   EXPECT_EQ(c.Count(), 1);  // nothing was added by the failures
   EXPECT_FALSE(c.Exists(-1));
   EXPECT_FALSE(c.Exists(""));
@@ -109,8 +104,8 @@ TEST(Dictionary, CaseSensitiveKeysInInsertionOrder) {
   EXPECT_FALSE(d->Exists("missing"));  // reading does not add
   d->Item("b", Variant(2));
   EXPECT_EQ(d->Items()[0], Variant(2));
-  EXPECT_EQ(ErrorOf([&] { d->Add("b", Variant()); }), kErrDuplicateKey);
-  EXPECT_EQ(ErrorOf([&] { d->Remove("x"); }), kErrElementNotFound);
+  EXPECT_EQ(RaisedError([&] { d->Add("b", Variant()); }), kErrDuplicateKey);
+  EXPECT_EQ(RaisedError([&] { d->Remove("x"); }), kErrElementNotFound);
   d->Remove("b");
   EXPECT_EQ(d->Keys(), (std::vector<std::string>{"B", "a"}));
   d->RemoveAll();

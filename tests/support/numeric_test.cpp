@@ -1,18 +1,13 @@
 #include <gtest/gtest.h>
 
+#include "common/test_support.h"
+
 #include "xun/support/numeric.h"
 
 namespace xun {
 namespace {
 
-int ErrorOf(auto&& f) {
-  try {
-    f();
-  } catch (const RuntimeError& e) {
-    return e.Number();
-  }
-  return 0;
-}
+using testing::RaisedError;
 
 TEST(Numeric, ValTakesTheLeadingNumberOnly) {
   EXPECT_EQ(Val("12abc"), 12);
@@ -25,7 +20,7 @@ TEST(Numeric, ValTakesTheLeadingNumberOnly) {
   EXPECT_EQ(Val("2D2"), 200);
   EXPECT_EQ(Val("+7"), 7);
   EXPECT_EQ(Val("1e-400"), 0);
-  EXPECT_EQ(ErrorOf([] { Val("1e400"); }), kErrOverflow);
+  EXPECT_EQ(RaisedError([] { Val("1e400"); }), kErrOverflow);
 }
 
 TEST(Numeric, NumericTextIsTheWholeTextBlanksAside) {
@@ -42,19 +37,19 @@ TEST(Numeric, ConversionsRoundHalvesToEven) {
   EXPECT_EQ(CInt(-2.5), -2);
   EXPECT_EQ(CInt(-32768.4), -32768);
   EXPECT_EQ(CInt(32767.4), 32767);
-  EXPECT_EQ(ErrorOf([] { CInt(32767.5); }), kErrOverflow);  // rounds to 32768
-  EXPECT_EQ(ErrorOf([] { CInt(-32768.6); }), kErrOverflow);
-  EXPECT_EQ(ErrorOf([] { CLng(2147483648.0); }), kErrOverflow);
+  EXPECT_EQ(RaisedError([] { CInt(32767.5); }), kErrOverflow);  // rounds to 32768
+  EXPECT_EQ(RaisedError([] { CInt(-32768.6); }), kErrOverflow);
+  EXPECT_EQ(RaisedError([] { CLng(2147483648.0); }), kErrOverflow);
   EXPECT_EQ(CLng(-2147483648.0), INT32_MIN);
 }
 
 TEST(Numeric, SixteenBitArithmeticReportsOverflow) {
   EXPECT_EQ(Add16(32766, 1), 32767);
-  EXPECT_EQ(ErrorOf([] { Add16(32767, 1); }), kErrOverflow);
-  EXPECT_EQ(ErrorOf([] { Sub16(-32768, 1); }), kErrOverflow);
+  EXPECT_EQ(RaisedError([] { Add16(32767, 1); }), kErrOverflow);
+  EXPECT_EQ(RaisedError([] { Sub16(-32768, 1); }), kErrOverflow);
   EXPECT_EQ(Mul16(-128, 256), -32768);
-  EXPECT_EQ(ErrorOf([] { Mul16(300, 200); }), kErrOverflow);
-  EXPECT_EQ(ErrorOf([] { To16(40000); }), kErrOverflow);
+  EXPECT_EQ(RaisedError([] { Mul16(300, 200); }), kErrOverflow);
+  EXPECT_EQ(RaisedError([] { To16(40000); }), kErrOverflow);
 }
 
 TEST(Numeric, ClassicNumberText) {

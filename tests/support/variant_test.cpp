@@ -1,19 +1,14 @@
 #include <gtest/gtest.h>
 
+#include "common/test_support.h"
+
 #include "xun/support/dictionary.h"
 #include "xun/support/variant.h"
 
 namespace xun {
 namespace {
 
-int ErrorOf(auto&& f) {
-  try {
-    f();
-  } catch (const RuntimeError& e) {
-    return e.Number();
-  }
-  return 0;
-}
+using testing::RaisedError;
 
 TEST(Variant, KindsAndMissing) {
   EXPECT_TRUE(Variant().IsEmpty());
@@ -42,9 +37,9 @@ TEST(Variant, TextForms) {
   EXPECT_EQ(Variant(Decimal{12345, 0, 3, true}).ToText(), "-12.345");
   EXPECT_EQ(Variant(Decimal{5, 0, 3, false}).ToText(), "0.005");
   EXPECT_EQ(Variant(Decimal{0, 1, 0, false}).ToText(), "18446744073709551616");
-  EXPECT_EQ(ErrorOf([] { Variant::Null().ToText(); }), kErrInvalidUseOfNull);
-  EXPECT_EQ(ErrorOf([] { Variant::Missing().ToText(); }), kErrTypeMismatch);
-  EXPECT_EQ(ErrorOf([] { Variant(Dictionary::Create()).ToText(); }), kErrTypeMismatch);
+  EXPECT_EQ(RaisedError([] { Variant::Null().ToText(); }), kErrInvalidUseOfNull);
+  EXPECT_EQ(RaisedError([] { Variant::Missing().ToText(); }), kErrTypeMismatch);
+  EXPECT_EQ(RaisedError([] { Variant(Dictionary::Create()).ToText(); }), kErrTypeMismatch);
 }
 
 TEST(Variant, GeneralDate) {
@@ -63,12 +58,12 @@ TEST(Variant, NumberConversions) {
   EXPECT_EQ(Variant(true).ToInteger(), -1);
   EXPECT_EQ(Variant(2.5).ToInteger(), 2);
   EXPECT_EQ(Variant("3.5").ToLong(), 4);
-  EXPECT_EQ(ErrorOf([] { Variant("12abc").ToDouble(); }), kErrTypeMismatch);
-  EXPECT_EQ(ErrorOf([] { Variant(40000).ToInteger(); }), kErrOverflow);
-  EXPECT_EQ(ErrorOf([] { Variant::Missing().ToDouble(); }), kErrTypeMismatch);
+  EXPECT_EQ(RaisedError([] { Variant("12abc").ToDouble(); }), kErrTypeMismatch);
+  EXPECT_EQ(RaisedError([] { Variant(40000).ToInteger(); }), kErrOverflow);
+  EXPECT_EQ(RaisedError([] { Variant::Missing().ToDouble(); }), kErrTypeMismatch);
   EXPECT_TRUE(Variant("-1").ToBoolean());
   EXPECT_FALSE(Variant("False").ToBoolean());
-  EXPECT_EQ(ErrorOf([] { Variant("yes").ToBoolean(); }), kErrTypeMismatch);
+  EXPECT_EQ(RaisedError([] { Variant("yes").ToBoolean(); }), kErrTypeMismatch);
 }
 
 TEST(Variant, ObjectsAreSharedNotCopied) {
@@ -82,7 +77,7 @@ TEST(Variant, ObjectsAreSharedNotCopied) {
 TEST(BoundedArray, BoundsAndUnallocatedState) {
   BoundedArray<int> none;
   EXPECT_FALSE(none.IsAllocated());
-  EXPECT_EQ(ErrorOf([&] { none.LBound(); }), kErrSubscript);
+  EXPECT_EQ(RaisedError([&] { none.LBound(); }), kErrSubscript);
   BoundedArray<int> empty(0, {});
   EXPECT_TRUE(empty.IsAllocated());
   EXPECT_EQ(empty.UBound(), -1);
@@ -90,9 +85,9 @@ TEST(BoundedArray, BoundsAndUnallocatedState) {
   EXPECT_EQ(a.LBound(), 5);
   EXPECT_EQ(a.UBound(), 7);
   EXPECT_EQ(a[6], 20);
-  EXPECT_EQ(ErrorOf([&] { (void)a[4]; }), kErrSubscript);
-  EXPECT_EQ(ErrorOf([&] { (void)a[8]; }), kErrSubscript);
-  EXPECT_EQ(ErrorOf([] { BoundedArray<int>(INT32_MAX, {1, 2}); }), kErrOverflow);
+  EXPECT_EQ(RaisedError([&] { (void)a[4]; }), kErrSubscript);
+  EXPECT_EQ(RaisedError([&] { (void)a[8]; }), kErrSubscript);
+  EXPECT_EQ(RaisedError([] { BoundedArray<int>(INT32_MAX, {1, 2}); }), kErrOverflow);
 }
 
 }  // namespace

@@ -9,8 +9,6 @@
 #include "xun/support/trap.h"
 
 namespace xun {
-namespace {}  // namespace
-
 std::shared_ptr<clsXUNStringItems> clsXUNStringItems::Create() {
   return std::shared_ptr<clsXUNStringItems>(new clsXUNStringItems());
 }

@@ -9,28 +9,6 @@
 #include "xun/support/value_helpers.h"
 
 namespace xun::basPublic {
-namespace {
-
-// Kinds whose text form is written; the rest have none worth storing and are left out.
-bool HasTextForm(VariantKind kind) {
-  switch (kind) {
-    case VariantKind::Boolean:
-    case VariantKind::Byte:
-    case VariantKind::Integer:
-    case VariantKind::Long:
-    case VariantKind::Single:
-    case VariantKind::Double:
-    case VariantKind::Currency:
-    case VariantKind::Date:
-    case VariantKind::String:
-    case VariantKind::Decimal:
-      return true;
-    default:
-      return false;
-  }
-}
-
-}  // namespace
 
 std::string DictionaryToString(const DictionaryPtr& oDictionary, const std::string& sDelimiter,
                                const std::string& sSeparator, bool bKeysOnly) {
@@ -45,7 +23,8 @@ std::string DictionaryToString(const DictionaryPtr& oDictionary, const std::stri
         continue;
       }
       const Variant item = oDictionary->Item(key);
-      if (!HasTextForm(item.Kind())) continue;
+      // Only values with a text form are written; objects, arrays, errors, Empty and Null are not.
+      if (!(item.IsNumber() || item.Kind() == VariantKind::String)) continue;
       out += key;
       out += sSeparator;
       out += item.ToText();

@@ -1,0 +1,49 @@
+#!/usr/bin/env bash
+# Installs every build and test dependency from Debian's packages. Safe to run again: when
+# everything is present it changes nothing and does not touch the network.
+set -euo pipefail
+
+# Build and test dependencies. Add a package here, on its own line.
+PACKAGES=(
+  build-essential
+  cmake
+  ninja-build
+  g++
+  clang              # the sanitizer build
+  clang-format       # the formatting gate
+  libgtest-dev
+  libgmock-dev
+  libbenchmark-dev
+  libssl-dev         # triple DES for the value cipher
+  libicu-dev         # case folding of keys
+  pkg-config
+  ca-certificates
+)
+
+missing=()
+for package in "${PACKAGES[@]}"; do
+  status=$(dpkg-query -W -f='${Status}' "$package" 2>/dev/null || true)
+  if [[ "$status" != "install ok installed" ]]; then
+    missing+=("$package")
+  fi
+done
+
+if ((${#missing[@]} == 0)); then
+  echo "setup: all ${#PACKAGES[@]} packages already installed"
+  exit 0
+fi
+
+if ((EUID == 0)); then
+  as_root=()
+elif command -v sudo >/dev/null 2>&1; then
+  as_root=(sudo)
+else
+  echo "setup: need root or sudo to install: ${missing[*]}" >&2
+  exit 1
+fi
+
+echo "setup: installing ${missing[*]}"
+# Passed through env because sudo drops the caller's environment.
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+  apt-get install -y --no-install-recommends "${missing[@]}"

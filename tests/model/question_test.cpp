@@ -1,0 +1,295 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "common/test_support.h"
+#include "xun/model/template.h"
+
+namespace xun {
+namespace {
+
+using Strings = std::vector<std::string>;
+using Four = std::array<int16_t, 4>;
+
+Strings Entries(const std::shared_ptr<clsXUNStringItems>& list) {
+  return list ? Strings(list->begin(), list->end()) : Strings{};
+}
+
+std::shared_ptr<clsXUNQuestion> NewQuestion(const Strings& choices = {}, std::string key = {}) {
+  auto question = clsXUNQuestion::Create();
+  for (const std::string& choice : choices)
+    question->Choices()->Add(choice);
+  question->Key(std::move(key));
+  return question;
+}
+
+// An OMR region at (100, 200) whose grid starts 10 right and 20 down; cells are 30 by 40.
+std::shared_ptr<clsXUNField> Omr(xunFieldType type, xunOrientationType orient, int16_t rows,
+                                 int16_t cols, int questions = 0) {
+  auto field = clsXUNField::Create();
+  field->RecognitionType(xunRecogTypeOMR);
+  field->FieldType(type);
+  field->Orient(orient);
+  field->Left(100);
+  field->Top(200);
+  field->StartCol(10);
+  field->StartRow(20);
+  field->ColGap(30);
+  field->RowGap(40);
+  field->NumRows(rows);
+  field->NumCols(cols);
+  for (int i = 0; i < questions; ++i)
+    field->Questions()->Add(NewQuestion());
+  return field;
+}
+
+TEST(Question, Defaults) {
+  auto question = clsXUNQuestion::Create();
+  EXPECT_EQ(question->MultsReturn(), "MULT");
+  EXPECT_EQ(question->BlanksReturn(), "BLANK");
+  EXPECT_EQ(question->DuplicateReturn(), "DUP");
+  EXPECT_EQ(question->ErrorReturn(), "ERROR #");
+  EXPECT_EQ(question->Correct(), 1.0);
+  EXPECT_TRUE(question->Discriminate());
+  ASSERT_TRUE(question->Choices() && question->Codes());
+  EXPECT_NE(question->Choices(), question->Codes());
+  EXPECT_EQ(question->Choices()->Count() + question->Codes()->Count(), 0);
+}
+
+TEST(Questions, KeyRulesAndRemoval) {
+  testing::ScopedHandler handler;
+  auto list = clsXUNQuestions::Create();
+  auto keyed = NewQuestion({}, "abc");
+  auto same = NewQuestion({}, "ABC");
+  auto unkeyed = NewQuestion();
+  EXPECT_TRUE(list->Add(keyed));
+  EXPECT_TRUE(list->Add(same));
+  EXPECT_TRUE(list->Add(unkeyed, 1));
+  for (const auto& fresh : {same, unkeyed}) {
+    EXPECT_EQ(fresh->Key().size(), 32u);
+    EXPECT_EQ(fresh->Key().find_first_not_of("0123456789ABCDEF"), std::string::npos);
+  }
+  EXPECT_EQ(list->Item(1), unkeyed);
+  keyed->Key("other");  // ignored in a list, which holds it under "abc"
+  EXPECT_EQ(keyed->Key(), "abc");
+  EXPECT_EQ(list->Item("ABC"), keyed);
+  EXPECT_FALSE(list->Remove(9));
+  EXPECT_TRUE(list->Remove("abc"));
+  EXPECT_TRUE(handler.reports().empty());
+
+  list->Free();
+  EXPECT_EQ(list->Count(), 0);
+  EXPECT_EQ(same->Questions(), nullptr);
+  EXPECT_EQ(same->Choices(), nullptr);
+}
+
+TEST(Question, CopyOwnsItsListsAndIsInNoList) {
+  auto original = NewQuestion({"a", "b"}, "K1");
+  original->QuestionName("Q1");
+  original->NAChoiceAll(3);
+  original->AllCodes(clsXUNStringItems::Create());
+  clsXUNQuestions::Create()->Add(original);
+
+  auto copy = original->Copy();
+  ASSERT_TRUE(copy);
+  EXPECT_EQ(copy->Key(), "");
+  EXPECT_EQ(copy->Questions(), nullptr);
+  EXPECT_EQ(copy->QuestionName(), "Q1");
+  EXPECT_EQ(copy->NAChoiceAll(), 3);
+  copy->Choices()->Add("c");
+  copy->AllCodes()->Add("y");
+  EXPECT_EQ(Entries(original->Choices()), (Strings{"a", "b"}));
+  EXPECT_EQ(original->AllCodes()->Count(), 0);
+  EXPECT_EQ(original->Copy(true)->Key(), "K1");
+}
+
+TEST(Question, SchemaTakesTypeFromRegionAndWidthFromCodes) {
+  auto loose = NewQuestion();
+  loose->QuestionName("Q");
+  EXPECT_EQ(loose->Schema(), "Q,Text,1");
+
+  auto field = clsXUNField::Create();
+  field->DataType(xunDataTypeNumeric);
+  auto question = NewQuestion();
+  question->QuestionName("Age");
+  question->Codes()->AddDelimitedString("1,10,\xC3\xA9\xC3\xA9", ",");  // two characters
+  field->Questions()->Add(question);
+  EXPECT_EQ(question->Schema(), "Age,Numeric,2");
+  field->DataType(xunDataTypeAlphaNumeric);
+  question->Codes()->Add("100");
+  EXPECT_EQ(question->Schema(), "Age,Numeric,2");  // kept until refreshed
+  EXPECT_EQ(question->Schema(true), "Age,AlphaNumeric,3");
+}
+
+TEST(Question, AllChoicesGatherAcrossTheLinkGroupInPageOrder) {
+  auto page = clsXUNPage::Create();
+  std::vector<std::shared_ptr<clsXUNField>> fields;  // linked, unlinked, linked
+  for (const Strings& second_choices : {Strings{"a", "b"}, Strings{"v"}, Strings{"c", "d", "e"}}) {
+    fields.push_back(clsXUNField::Create());
+    page->Fields()->Add(fields.back());
+    fields.back()->Questions()->Add(NewQuestion({"x"}));
+    fields.back()->Questions()->Add(NewQuestion(second_choices));
+  }
+  fields[0]->LinkGroup(1);
+  fields[0]->LinkStart(true);
+  fields[2]->LinkGroup(1);
+  fields[2]->Questions()->Item(2)->Codes()->Add("3");
+  fields[2]->Questions()->Item(2)->NAChoice(2);
+
+  for (const auto& field : {fields[0], fields[2]}) {
+    auto question = field->Questions()->Item(2);
+    EXPECT_EQ(Entries(question->AllChoices()), (Strings{"a", "b", "c", "d", "e"}));
+    EXPECT_EQ(Entries(question->AllCodes()), (Strings{"3"}));
+    EXPECT_EQ(question->NAChoiceAll(), 4);  // "d": past the first region's two choices
+  }
+  EXPECT_EQ(fields[0]->Questions()->Item(1)->NAChoiceAll(), 0);
+  auto own = fields[1]->Questions()->Item(2);
+  EXPECT_EQ(Entries(own->AllChoices()), (Strings{"v"}));
+  EXPECT_NE(own->AllChoices(), own->Choices());
+  own->NAChoice(1);
+  EXPECT_EQ(own->NAChoiceAll(), 1);
+  auto set = clsXUNStringItems::Create();
+  own->AllChoices(set);
+  EXPECT_EQ(own->AllChoices(), set);
+  page->Free();
+}
+
+std::optional<Four> PlotOf(const std::shared_ptr<clsXUNQuestion>& q) {
+  Four v{};
+  return q->Plot(v[0], v[1], v[2], v[3]) ? std::optional(v) : std::nullopt;
+}
+// Top, left, bottom, right of bubble (col, row) of the question, or of all its bubbles.
+std::optional<Four> CellOf(const std::shared_ptr<clsXUNQuestion>& q, int16_t col, int16_t row) {
+  Four v{};
+  return q->LocateBubble(col, row, v[0], v[1], v[2], v[3]) ? std::optional(v) : std::nullopt;
+}
+std::optional<Four> LocateOf(const std::shared_ptr<clsXUNQuestion>& q) {
+  Four v{};
+  return q->Locate(v[0], v[1], v[2], v[3]) ? std::optional(v) : std::nullopt;
+}
+
+TEST(Question, GridGeometryByOrientation) {
+  testing::ScopedHandler handler;
+  // By rows, question 2 is row 2 across the four columns.
+  auto rows = Omr(xunFieldTypeOMRMult, xunOrientationTypeOMRRow, 3, 4, 4);
+  auto q = rows->Questions()->Item(2);
+  EXPECT_EQ(PlotOf(q), (Four{2, 2, 1, 4}));
+  EXPECT_EQ(CellOf(q, 3, 1), (Four{260, 170, 300, 200}));
+  EXPECT_EQ(LocateOf(q), (Four{260, 110, 300, 230}));
+  EXPECT_FALSE(CellOf(q, 5, 1) || CellOf(q, 1, 2) || CellOf(q, 0, 1));
+  EXPECT_FALSE(PlotOf(rows->Questions()->Item(4)));  // beyond the three rows
+
+  // By columns, question 2 is column 2 down the three rows.
+  auto cols = Omr(xunFieldTypeOMRMult, xunOrientationTypeOMRCol, 3, 4, 2);
+  q = cols->Questions()->Item(2);
+  EXPECT_EQ(PlotOf(q), (Four{1, 3, 2, 2}));
+  EXPECT_EQ(CellOf(q, 1, 3), (Four{300, 140, 340, 170}));
+  EXPECT_EQ(LocateOf(q), (Four{220, 140, 340, 170}));
+
+  // Boolean: question 6 is the sixth bubble in reading order.
+  auto by_rows = Omr(xunFieldTypeOMRBoolean, xunOrientationTypeOMRRow, 3, 4, 6);
+  EXPECT_EQ(PlotOf(by_rows->Questions()->Item(6)), (Four{2, 2, 2, 2}));
+  auto by_cols = Omr(xunFieldTypeOMRBoolean, xunOrientationTypeOMRCol, 3, 4, 13);
+  q = by_cols->Questions()->Item(6);
+  EXPECT_EQ(PlotOf(q), (Four{3, 3, 2, 2}));
+  EXPECT_EQ(LocateOf(q), (Four{300, 140, 340, 170}));
+  EXPECT_FALSE(CellOf(q, 2, 1));
+  EXPECT_FALSE(PlotOf(by_cols->Questions()->Item(13)));
+
+  // No grid: another orientation, another kind (Locate gives the region), no region.
+  auto unoriented = Omr(xunFieldTypeOMRMult, xunOrientationTypeNone, 3, 4, 1);
+  EXPECT_FALSE(PlotOf(unoriented->Questions()->Item(1)));
+  auto barcode = Omr(xunFieldTypeBarcodeAuto, xunOrientationTypeOMRRow, 3, 4, 1);
+  barcode->RecognitionType(xunRecogTypeBarcode);
+  barcode->Bottom(250);
+  barcode->Right(400);
+  EXPECT_FALSE(PlotOf(barcode->Questions()->Item(1)));
+  EXPECT_EQ(LocateOf(barcode->Questions()->Item(1)), (Four{200, 100, 250, 400}));
+  EXPECT_FALSE(LocateOf(NewQuestion()));
+  EXPECT_TRUE(handler.reports().empty());
+
+  rows->Top(32700);  // the last row's cell lies beyond 16 bits
+  EXPECT_FALSE(CellOf(rows->Questions()->Item(3), 1, 1));
+  EXPECT_FALSE(LocateOf(rows->Questions()->Item(3)));
+  EXPECT_EQ(handler.Locations(), (Strings{"clsXUNQuestion.LocateBubble", "clsXUNQuestion.Locate"}));
+}
+
+TEST(Questions, UpdateFollowsTheRegion) {
+  testing::ScopedHandler handler;
+  auto field = Omr(xunFieldTypeOMRMult, xunOrientationTypeOMRRow, 3, 4);
+  field->FieldName("Q");
+  field->DataType(xunDataTypeNumeric);
+  auto questions = field->Questions();
+  ASSERT_TRUE(questions->Update());
+  ASSERT_EQ(questions->Count(), 3);
+  auto kept = questions->Item(1);
+  for (int i = 1; i <= 3; ++i) {
+    EXPECT_EQ(questions->Item(i)->QuestionName(), "Q_" + std::to_string(i));
+    EXPECT_EQ(questions->Item(i)->Choices()->AsString(","), "0,1,2,3");
+    EXPECT_EQ(questions->Item(i)->Codes()->AsString(","), "0,1,2,3");
+  }
+  // Removed from the end; entries cut or appended with the label of their position.
+  field->NumRows(1);
+  field->NumCols(2);
+  ASSERT_TRUE(questions->Update());
+  ASSERT_EQ(questions->Count(), 1);
+  EXPECT_EQ(questions->Item(1), kept);
+  EXPECT_EQ(kept->Choices()->AsString(","), "0,1");
+  field->DataType(xunDataTypeText);
+  field->NumCols(28);
+  ASSERT_TRUE(questions->Update());
+  EXPECT_EQ(kept->Codes()->AsString(""), "01CDEFGHIJKLMNOPQRSTUVWXYZ2728");
+
+  // One question takes the region's name; database columns are no questions; the choices of
+  // other kinds are left alone.
+  auto barcode = clsXUNField::Create();
+  barcode->RecognitionType(xunRecogTypeBarcode);
+  barcode->FieldName("Code");
+  barcode->DB()->Table("T");
+  barcode->DB()->LookupField("L");
+  barcode->DB()->Connect("C");
+  barcode->DB()->ReturnFields()->AddDelimitedString("c1,c2", ",");
+  ASSERT_TRUE(barcode->Questions()->Update());
+  ASSERT_EQ(barcode->Questions()->Count(), 1);
+  EXPECT_EQ(barcode->Questions()->Item(1)->QuestionName(), "Code");
+  barcode->Questions()->Item(1)->Choices()->Add("x");
+  ASSERT_TRUE(barcode->Questions()->Update());
+  EXPECT_EQ(Entries(barcode->Questions()->Item(1)->Choices()), (Strings{"x"}));
+  EXPECT_TRUE(handler.reports().empty());
+
+  EXPECT_FALSE(clsXUNQuestions::Create()->Update());  // no region to follow
+  EXPECT_EQ(handler.Locations(), (Strings{"clsXUNQuestions.Update"}));
+}
+
+TEST(Questions, ReturnIndexNumbersItemsAcrossTheTemplate) {
+  auto tmpl = clsXUNTemplate::Create();
+  auto page1 = clsXUNPage::Create();
+  auto page2 = clsXUNPage::Create();
+  tmpl->Pages()->Add(page1);
+  tmpl->Pages()->Add(page2);
+  auto a = Omr(xunFieldTypeOMRMult, xunOrientationTypeOMRRow, 2, 4, 2);
+  auto hidden = clsXUNField::Create();
+  hidden->Questions()->Add(NewQuestion());
+  hidden->Questions()->Item(1)->IDType(xunIDTypeForm);  // IDAdd False: no item
+  auto c = Omr(xunFieldTypeOMRMult, xunOrientationTypeOMRRow, 3, 4, 3);
+  auto d = Omr(xunFieldTypeOMRMult, xunOrientationTypeOMRRow, 3, 4, 3);
+  c->LinkGroup(1);
+  c->LinkStart(true);
+  d->LinkGroup(1);
+  for (const auto& [page, field] : {std::pair{page1, a}, {page1, hidden}, {page2, c}, {page2, d}})
+    page->Fields()->Add(field);
+
+  EXPECT_EQ(a->Questions()->Item(2)->ReturnIndex(true), 2);
+  EXPECT_EQ(hidden->Questions()->Item(1)->ReturnIndex(true), 0);
+  EXPECT_EQ(c->Questions()->Item(3)->ReturnIndex(true), 5);
+  EXPECT_EQ(d->Questions()->Item(2)->ReturnIndex(true), 4);  // the group's first region's item
+  EXPECT_EQ(d->Questions()->Item(2)->ReturnIndex(), 2);
+  EXPECT_EQ(NewQuestion()->ReturnIndex(true), 0);
+  tmpl->Free();
+}
+
+}  // namespace
+}  // namespace xun

@@ -1,0 +1,50 @@
+#include "xun/model/fields.h"
+
+#include "xun/support/trap.h"
+
+namespace xun {
+
+std::shared_ptr<clsXUNFields> clsXUNFields::Create() {
+  return std::shared_ptr<clsXUNFields>(new clsXUNFields());
+}
+
+bool clsXUNFields::Add(const std::shared_ptr<clsXUNField>& oField, std::optional<Index> Before,
+                       std::optional<Index> After) {
+  return Trap("clsXUNFields.Add", false, [&] {
+    items_.Add(oField, SharedFrom(this), Before, After);
+    return true;
+  });
+}
+
+Variant clsXUNFields::Remove(const Index& index) {
+  return Trap("clsXUNFields.Remove", Variant(), [&] {
+    const std::shared_ptr<clsXUNField> field = items_.Find(index);
+    if (!field) return Variant();
+    field->Free();
+    items_.Take(index);
+    return Variant(true);
+  });
+}
+
+bool clsXUNFields::RemoveAll() {
+  return Trap("clsXUNFields.RemoveAll", false, [&] {
+    for (int32_t position = items_.Count(); position >= 1; --position) {
+      items_.Item(position)->Free();
+      items_.Take(position);
+    }
+    return items_.Count() == 0;
+  });
+}
+
+std::shared_ptr<clsXUNField> clsXUNFields::Item(const Index& index) const {
+  return items_.Find(index);
+}
+
+void clsXUNFields::Free() {
+  Trap("clsXUNFields.Free", [&] {
+    RemoveAll();
+    page_.reset();
+  });
+}
+
+}  // namespace xun

@@ -1,0 +1,41 @@
+// The regions of one page.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+#include "xun/export.h"
+#include "xun/model/field.h"
+#include "xun/model/keyed_object_list.h"
+#include "xun/support/variant.h"
+
+namespace xun {
+
+class XUN_API clsXUNFields : public Object {
+ public:
+  static std::shared_ptr<clsXUNFields> Create();
+
+  // The page that owns this list (back reference).
+  std::shared_ptr<clsXUNPage> Page() const { return page_.lock(); }
+  void Page(const std::shared_ptr<clsXUNPage>& value) { page_ = value; }
+  auto begin() const { return items_.begin(); }  // NewEnum
+  auto end() const { return items_.end(); }
+  int32_t Count() const noexcept { return items_.Count(); }
+  // Adds the region under its key (a fresh key when empty or taken) and points it back here.
+  bool Add(const std::shared_ptr<clsXUNField>& oField, std::optional<Index> Before = std::nullopt,
+           std::optional<Index> After = std::nullopt);
+  // Frees and removes the region: True, or an Empty variant when there is none.
+  Variant Remove(const Index& index);
+  bool RemoveAll();
+  std::shared_ptr<clsXUNField> Item(const Index& index) const;
+  bool Exists(const Index& index) const noexcept { return items_.Exists(index); }
+  void Free();
+
+ private:
+  clsXUNFields() = default;
+  std::weak_ptr<clsXUNPage> page_;
+  detail::KeyedObjectList<clsXUNField, clsXUNFields> items_;
+};
+
+}  // namespace xun
