@@ -1,6 +1,7 @@
 // The template-file routines: reading, writing, batches and value cleaning.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -13,6 +14,17 @@ namespace xun::basTemplate {
 // Reads a template file into `oTemplate`; bForEdit relaxes the validity rule.
 XUN_API bool ReadTemplate(const std::string& sTemplateFile, clsXUNTemplate& oTemplate,
                           bool bForEdit);
+
+// What made the last ReadTemplate of this thread fail: the title and text shown, and the
+// 1-based line of the section header that failed (0 when the failure belongs to no section,
+// such as a load error or the checks on the whole template). Empty after a successful read.
+struct ReadDiagnostic {
+  std::string title;
+  std::string text;
+  int32_t line = 0;
+};
+XUN_API ReadDiagnostic LastReadDiagnostic();
+
 // Writes `oTemplate` to a template file.
 XUN_API bool SaveTemplate(const std::string& sTemplateFile, clsXUNTemplate& oTemplate,
                           bool bVerbose, bool* bInvalid, bool bRegister);
@@ -25,6 +37,19 @@ XUN_API bool SaveBatch(const std::string& sBatchTemplate, const std::string& sTe
 // Merges the members (headers first, the form last) into `oTarget`.
 XUN_API bool MergeTemplates(const std::vector<std::shared_ptr<clsXUNTemplate>>& oTemplates,
                             clsXUNTemplate& oTarget);
+
+// Makes `list` hold exactly `count` items: empty items are appended, surplus items removed from
+// the end.
+XUN_API void ForceNumItems(const std::shared_ptr<clsXUNStringItems>& list, int32_t count);
+// Moves the region's rectangle by whole offsets; a coordinate leaving the 16-bit range is error 6
+// and leaves the region unchanged.
+XUN_API void ApplyOffsets(clsXUNField& oField, int16_t iLeft, int16_t iTop, int16_t iRight,
+                          int16_t iBottom);
+// Stores a barcode delimiter given in file form ("<--@CRLF-->", "<--@CR-->", "<--@LF-->",
+// "<--@TAB-->" tokens) as the control characters it stands for.
+XUN_API void SetBarcodeDelimiter(clsXUNField& oField, const std::string& sDelimiter);
+// The region's barcode delimiter in file form, control characters replaced by their tokens.
+XUN_API std::string GetBarcodeDelimiter(const clsXUNField& oField);
 
 // Trims the value, turns tabs (when asked) and line breaks into blanks, and removes every
 // character whose code is in the comma-separated list `sStripCharacters`.

@@ -14,14 +14,6 @@ bool NotBuilt(const char* location) {
 
 }  // namespace
 
-bool ReadTemplate(const std::string&, clsXUNTemplate&, bool) {
-  return NotBuilt("basTemplate.ReadTemplate");
-}
-
-bool SaveTemplate(const std::string&, clsXUNTemplate&, bool, bool*, bool) {
-  return NotBuilt("basTemplate.SaveTemplate");
-}
-
 bool ReadBatch(clsXUNTemplate&, const std::string&, const std::string&) {
   return NotBuilt("basTemplate.ReadBatch");
 }
