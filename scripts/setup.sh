@@ -14,8 +14,10 @@ PACKAGES=(
   libgtest-dev
   libgmock-dev
   libbenchmark-dev
+  libinih-dev        # the INI tokenizer the template file benchmark compares with
   libssl-dev         # triple DES for the value cipher
   libicu-dev         # case folding of keys
+  libzip-dev         # template archives
   pkg-config
   ca-certificates
 )

@@ -9,7 +9,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # Formatting is checked first but judged last, so drift does not hide a failing test.
 echo "== clang-format check"
 format_dirs=()
-for dir in xun tests bench examples tools; do
+for dir in xun tests bench examples tools fuzz; do
   if [[ -d "$dir" ]]; then format_dirs+=("$dir"); fi
 done
 mapfile -d '' format_files < <(find "${format_dirs[@]}" -type f \
@@ -41,6 +41,20 @@ cmake --build build-sanitize
   ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:strict_string_checks=1 \
   UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
   ctest --output-on-failure --no-tests=error -j2)
+
+echo "== fuzz build (clang++, libFuzzer) and 60 seconds per fuzzer"
+CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DXUN_BUILD_FUZZ=ON -DXUN_WERROR=ON \
+  -DXUN_BUILD_TESTS=OFF -DXUN_BUILD_BENCH=OFF -DXUN_BUILD_TOOLS=OFF
+cmake --build build-fuzz --target fuzz_read_template fuzz_read_archive
+for target in read_template read_archive; do
+  # A copy of the seeds: the fuzzer adds to its corpus, and the repository must stay as it is.
+  seeds=fuzz/corpus/$target
+  if [[ ! -d "$seeds" ]]; then seeds=fuzz/corpus/read_template; fi
+  rm -rf "build-fuzz/corpus-$target" && cp -r "$seeds" "build-fuzz/corpus-$target"
+  (cd build-fuzz &&
+    "./fuzz/fuzz_$target" -max_total_time=60 -timeout=10 -rss_limit_mb=2048 \
+      -artifact_prefix="artifacts-$target-" "corpus-$target")
+done
 
 if ((${#drifted[@]} > 0)); then
   echo "== FAILED: formatting drift (see the clang-format check above)"

@@ -19,7 +19,7 @@ constexpr const char* kQuestionErrorText =
 void ReadItems(clsXUNStringItems& items, const std::string& value, const std::string& strip) {
   items.RemoveAll();
   for (const std::string_view item : text::Split(text::Trim(value), "\t"))
-    items.Add(CleanTemplateValues(std::string(item), true, strip));
+    items.Add(CleanText(item, true, strip));
 }
 
 // The keys a question shares with older region sections; false when the key is none of them.

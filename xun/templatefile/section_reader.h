@@ -13,10 +13,10 @@ namespace xun::basTemplate::detail {
 // The decoded lines of a file and the line being looked at.
 class LineCursor {
  public:
-  explicit LineCursor(const std::vector<std::string>& lines) : lines_(&lines) {}
+  explicit LineCursor(const std::vector<std::string_view>& lines) : lines_(&lines) {}
   bool AtEnd() const noexcept { return pos_ >= lines_->size(); }
   // The current line; empty at the end.
-  const std::string& Current() const;
+  std::string_view Current() const noexcept;
   // 1-based, as an editor shows it.
   int32_t LineNumber() const noexcept { return static_cast<int32_t>(pos_) + 1; }
   void Next() noexcept {
@@ -24,7 +24,7 @@ class LineCursor {
   }
 
  private:
-  const std::vector<std::string>* lines_;
+  const std::vector<std::string_view>* lines_;
   size_t pos_ = 0;
 };
 
@@ -37,7 +37,7 @@ using KeyHandler = std::function<bool(const std::string& key, const std::string&
 bool ReadSectionKeys(LineCursor& cursor, const KeyHandler& on_key);
 
 // The line as a section header: trimmed and upper-cased ("[FORM]"); empty when it is no header.
-std::string HeaderOf(const std::string& line);
+std::string HeaderOf(std::string_view line);
 
 // Value conversions of the file format: the lenient leading number, a flag that is true for
 // any number but 0, 16- and 32-bit whole numbers (error 6 out of range), and cleaned text.
@@ -46,5 +46,9 @@ bool FlagValue(const std::string& value);
 int16_t Int16Value(const std::string& value);
 int32_t Int32Value(const std::string& value);
 std::string TextValue(const std::string& value, const std::string& strip_characters = {});
+
+// CleanTemplateValues, without its copies for a value that has nothing to clean (nearly every
+// value of a file this library wrote).
+std::string CleanText(std::string_view value, bool strip_tabs, const std::string& strip_characters);
 
 }  // namespace xun::basTemplate::detail

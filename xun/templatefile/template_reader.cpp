@@ -1,17 +1,25 @@
 #include "xun/templatefile/template_reader.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "xun/model/page.h"
+#include "xun/model/pages.h"
 #include "xun/model/template.h"
 #include "xun/support/error_reporter.h"
 #include "xun/support/file_helpers.h"
 #include "xun/support/message_box.h"
 #include "xun/support/numeric.h"
 #include "xun/support/runtime_error.h"
+#include "xun/support/text.h"
+#include "xun/support/zip_archive.h"
+#include "xun/templatefile/archive_password.h"
 #include "xun/templatefile/bas_template.h"
 #include "xun/templatefile/text_decoding.h"
 
@@ -53,10 +61,60 @@ std::string ReadAllBytes(const std::string& path) {
   return bytes;
 }
 
-// Template archives (a zip holding the .omr file and its page images) start with a local file
-// header. Archives are not read by this build yet: such a file fails as a load error.
-bool IsZipArchive(std::string_view bytes) {
-  return bytes.size() >= 4 && bytes.substr(0, 4) == std::string_view("PK\x03\x04", 4);
+// A folder of our own for unpacking an archive, removed with everything in it however the read
+// ends.
+class TemporaryFolder {
+ public:
+  TemporaryFolder() : path_(basPublic::GetUniqueFileName("", "", "")) {
+    // The name is checked free, not reserved: a folder that appeared since is someone else's.
+    if (path_.empty() || !fs::create_directory(path_)) {
+      path_.clear();
+      Raise(kErrPathFileAccess);
+    }
+  }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  ~TemporaryFolder() {
+    std::error_code ec;
+    if (!path_.empty()) fs::remove_all(path_, ec);
+  }
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
+// The template inside an unpacked archive: the first "*.omr" of the folder by name, so the same
+// archive always gives the same template. Empty when there is none.
+std::string FirstTemplateIn(const std::string& folder) {
+  std::vector<fs::path> found;
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+    const fs::path& path = entry.path();
+    if (entry.is_regular_file() && text::ToUpper(path.extension().string()) == ".OMR")
+      found.push_back(path);
+  }
+  if (found.empty()) return {};
+  return std::min_element(found.begin(), found.end())->string();
+}
+
+// Gives each page whose image "<Key>.pcx" came in the archive its own copy of it, which the page
+// then owns (its Free deletes it) after the unpacked folder is gone.
+void AdoptPageImages(clsXUNTemplate& oTemplate, const std::string& folder) {
+  const auto pages = oTemplate.Pages();
+  if (!pages) return;
+  for (const auto& page : *pages) {
+    if (page->Key().empty()) continue;
+    const fs::path image = fs::path(folder) / (page->Key() + ".pcx");
+    std::error_code ec;
+    if (!fs::is_regular_file(fs::symlink_status(image, ec))) continue;
+    const std::string own = basPublic::GetUniqueFileName("", ".pcx", "");
+    if (own.empty()) Raise(kErrPathFileAccess);
+    if (!fs::copy_file(image, own, ec)) {
+      fs::remove(own, ec);
+      Raise(kErrPathFileAccess);
+    }
+    page->ImageFile(own);
+  }
 }
 
 bool Dispatch(detail::ReaderContext& ctx) {
@@ -111,10 +169,19 @@ bool ReadCopy(const std::string& sTemplateFile, clsXUNTemplate& oTemplate, bool 
   fs::permissions(copy.path(), fs::perms::owner_read | fs::perms::owner_write,
                   fs::perm_options::add, ec);
 
-  const std::string bytes = ReadAllBytes(copy.path());
-  if (IsZipArchive(bytes)) {
-    detail::FailRead(kLoadError, kLoadErrorText, kLocation, 0);
-    return false;
+  std::string bytes = ReadAllBytes(copy.path());
+  // A template archive holds the .omr file and the page images; a refused or damaged archive
+  // throws, which ReadTemplate turns into the load error.
+  std::optional<TemporaryFolder> unpacked;
+  if (zip::LooksLikeZip(bytes)) {
+    unpacked.emplace();
+    zip::ExtractArchive(copy.path(), unpacked->path(), detail::ArchivePassword());
+    const std::string inner = FirstTemplateIn(unpacked->path());
+    if (inner.empty()) {
+      detail::FailRead(kLoadError, kLoadErrorText, kLocation, 0);
+      return false;
+    }
+    bytes = ReadAllBytes(inner);
   }
   const detail::DecodedLines decoded = detail::DecodeTemplateText(bytes);
   if (decoded.odd_trailing_byte) {
@@ -125,7 +192,11 @@ bool ReadCopy(const std::string& sTemplateFile, clsXUNTemplate& oTemplate, bool 
   // A file without a Version key must read as version 0, not keep the object's default.
   xun::detail::TemplateInternals::SetVersion(oTemplate, "");
   detail::ReaderContext ctx(oTemplate, detail::LineCursor(decoded.lines), bForEdit);
-  if (!Dispatch(ctx)) return false;
+  const bool read = Dispatch(ctx);
+  // The images are taken even from a read that stopped early: the pages read so far own them,
+  // and clearing the template deletes them with the pages.
+  if (unpacked) AdoptPageImages(oTemplate, unpacked->path());
+  if (!read) return false;
   return CheckContent(oTemplate);
 }
 

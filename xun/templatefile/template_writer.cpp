@@ -1,4 +1,6 @@
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -6,11 +8,15 @@
 #include <vector>
 
 #include "xun/model/page.h"
+#include "xun/model/pages.h"
 #include "xun/model/question.h"
 #include "xun/model/template.h"
 #include "xun/support/file_helpers.h"
+#include "xun/support/runtime_error.h"
 #include "xun/support/text.h"
 #include "xun/support/trap.h"
+#include "xun/support/zip_archive.h"
+#include "xun/templatefile/archive_password.h"
 #include "xun/templatefile/bas_template.h"
 #include "xun/templatefile/file_layer.h"
 #include "xun/templatefile/write_sections.h"
@@ -140,6 +146,37 @@ std::string EncodeFileText(const std::string& target, bool target_exists, const 
   return text::Utf8ToWindows1252(text);
 }
 
+std::string ReadImageBytes(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) Raise(kErrPermissionDenied);
+  std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+  if (in.bad()) Raise(kErrDeviceIO);
+  return bytes;
+}
+
+// The page images a template carries: "<page Key>.pcx" for every page whose image file exists.
+std::vector<zip::Entry> PageImages(const clsXUNTemplate& form) {
+  std::vector<zip::Entry> images;
+  for (const auto& page : Members(form.Pages())) {
+    std::error_code ec;
+    if (page->ImageFile().empty() || !std::filesystem::is_regular_file(page->ImageFile(), ec))
+      continue;
+    images.emplace_back(page->Key() + ".pcx", ReadImageBytes(page->ImageFile()));
+  }
+  return images;
+}
+
+// A template with page images is saved as an archive of "<stem>.omr" and the images, so the
+// images travel with it; one without stays a plain text file.
+std::string FileContent(const std::string& target, const clsXUNTemplate& form,
+                        std::string text_bytes) {
+  std::vector<zip::Entry> entries = PageImages(form);
+  if (entries.empty()) return text_bytes;
+  const std::string name = std::filesystem::path(target).stem().string() + ".omr";
+  entries.insert(entries.begin(), zip::Entry(name, std::move(text_bytes)));
+  return zip::BuildArchive(entries, detail::ArchivePassword());
+}
+
 }  // namespace
 
 bool SaveTemplate(const std::string& sTemplateFile, clsXUNTemplate& oTemplate, bool bVerbose,
@@ -158,7 +195,8 @@ bool SaveTemplate(const std::string& sTemplateFile, clsXUNTemplate& oTemplate, b
     const std::string file_text = BuildFileText(oTemplate, valid);
     std::error_code ec;
     const bool exists = std::filesystem::is_regular_file(sTemplateFile, ec);
-    const std::string bytes = EncodeFileText(sTemplateFile, exists, file_text);
+    const std::string bytes =
+        FileContent(sTemplateFile, oTemplate, EncodeFileText(sTemplateFile, exists, file_text));
     // The backup reports its own failure; a save without its backup does not go ahead.
     if (exists && !basPublic::FileBackup(sTemplateFile)) return false;
     detail::ReplaceFileContent(sTemplateFile, bytes);

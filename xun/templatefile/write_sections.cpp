@@ -10,9 +10,16 @@
 #include "xun/templatefile/bas_template.h"
 #include "xun/templatefile/number_text.h"
 #include "xun/templatefile/password_keys.h"
+#include "xun/templatefile/section_reader.h"
 
 namespace xun::basTemplate::detail {
 namespace {
+
+// The code lists as strings once, not once per value written.
+const std::string kNoCodes;
+const std::string kNameCodes = kIllegalNameCharacters;
+const std::string kLabelCodes = kIllegalLabelCharacters;
+const std::string kValueCodes = kIllegalValueCharacters;
 
 std::string AttributeLine(const DictionaryPtr& attributes) {
   if (!attributes) return {};
@@ -22,14 +29,14 @@ std::string AttributeLine(const DictionaryPtr& attributes) {
 }
 
 // Each item cleaned on its own (tabs too, since a tab separates the items).
-std::string ItemLine(const std::shared_ptr<clsXUNStringItems>& items, const char* strip) {
+std::string ItemLine(const std::shared_ptr<clsXUNStringItems>& items, const std::string& strip) {
   if (!items) return {};
   std::string line;
   bool first = true;
   for (const std::string& item : *items) {
     if (!first) line += '\t';
     first = false;
-    line += CleanTemplateValues(item, true, strip);
+    line += CleanText(item, true, strip);
   }
   return line;
 }
@@ -82,7 +89,7 @@ void TemplateText::Raw(std::string_view key, std::string_view value) {
 }
 
 void TemplateText::Text(std::string_view key, const std::string& value) {
-  Raw(key, CleanTemplateValues(value, false, ""));
+  Raw(key, CleanText(value, false, kNoCodes));
 }
 
 void TemplateText::Bool(std::string_view key, bool value) {
@@ -159,7 +166,7 @@ void WriteFieldSection(TemplateText& out, const clsXUNField& field) {
   const std::string extra = field.Extra() ? field.Extra()->AsString("\t") : "";
   out.Section("[Field]");
   out.Raw("Attributes", AttributeLine(field.Attributes()));
-  out.Raw("Name", CleanTemplateValues(field.FieldName(), true, kIllegalNameCharacters));
+  out.Raw("Name", CleanText(field.FieldName(), true, kNameCodes));
   out.Int("NumItems", field.Questions() ? field.Questions()->Count() : 0);
   out.Int("RecogType", field.RecognitionType());
   out.Int("FieldType", field.FieldType());
@@ -219,14 +226,13 @@ void WriteQuestionSection(TemplateText& out, const clsXUNQuestion& question,
   // OMR questions carry their choices before the return values, every other kind after them.
   const bool choices_first = IsOMR(field);
   const auto choices = [&] {
-    out.Raw("Choices", ItemLine(question.Choices(), kIllegalLabelCharacters));
-    out.Raw("Codes", ItemLine(question.Codes(), kIllegalValueCharacters));
+    out.Raw("Choices", ItemLine(question.Choices(), kLabelCodes));
+    out.Raw("Codes", ItemLine(question.Codes(), kValueCodes));
     out.Int("MultsAllowed", question.MultsAllowed());
   };
   out.Section("[Question]");
   out.Text("QuestionText", question.QuestionText());
-  out.Raw("QuestionName",
-          CleanTemplateValues(question.QuestionName(), true, kIllegalNameCharacters));
+  out.Raw("QuestionName", CleanText(question.QuestionName(), true, kNameCodes));
   out.Text("Key", question.Key());
   out.Text("Tag", question.Tag());
   if (choices_first) choices();

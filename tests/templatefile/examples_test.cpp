@@ -1,0 +1,145 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "common/test_support.h"
+#include "xun/xun.h"
+
+namespace xun {
+namespace {
+
+// The .omr files of a folder, in name order so failures name the same file every run.
+std::vector<std::string> TemplatesIn(const std::string& folder) {
+  std::vector<std::string> files;
+  std::error_code ec;
+  for (const auto& entry : std::filesystem::directory_iterator(folder, ec))
+    if (entry.path().extension() == ".omr") files.push_back(entry.path().string());
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+// Reads `file` for editing. When it reads, save → read → save must succeed and give the same
+// bytes twice. Returns whether it read; never fails the test for a file that does not read.
+bool ReadsAndSavesStably(const std::string& file) {
+  auto first = clsXUNTemplate::Create();
+  if (!first->Read(file, true)) return false;
+  testing::TempFolder folder;
+  EXPECT_TRUE(first->Save(folder.File("a.omr"), false));
+  auto second = clsXUNTemplate::Create();
+  EXPECT_TRUE(second->Read(folder.File("a.omr"), true)) << basTemplate::LastReadDiagnostic().text;
+  EXPECT_TRUE(second->Save(folder.File("b.omr"), false));
+  EXPECT_EQ(testing::ReadFileBytes(folder.File("a.omr")),
+            testing::ReadFileBytes(folder.File("b.omr")));
+  return true;
+}
+
+TEST(Examples, ReadForReadingAndSaveStably) {
+  const auto files = TemplatesIn(XUN_EXAMPLES_DIR);
+  ASSERT_GE(files.size(), 2u);
+  for (const std::string& file : files) {
+    SCOPED_TRACE(file);
+    testing::ScopedHandler handler;
+    auto form = clsXUNTemplate::Create();
+    ASSERT_TRUE(form->Read(file, false)) << basTemplate::LastReadDiagnostic().text;
+    EXPECT_TRUE(form->Valid());
+    EXPECT_GT(form->NumItems(), 0);
+    EXPECT_TRUE(ReadsAndSavesStably(file));
+    EXPECT_TRUE(handler.reports().empty()) << handler.reports().front().description;
+  }
+}
+
+// The survey carries text Windows-1252 cannot hold, so it must stay UTF-16 through a save.
+TEST(Examples, SurveyKeepsItsNonLatinText) {
+  const std::string file = std::string(XUN_EXAMPLES_DIR) + "/survey.omr";
+  EXPECT_EQ(testing::ReadFileBytes(file).substr(0, 2), "\xFF\xFE");
+  auto form = clsXUNTemplate::Create();
+  ASSERT_TRUE(form->Read(file, false));
+  EXPECT_EQ(form->Attributes()->Item("Title"), Variant("Ερωτηματολόγιο / アンケート"));
+  EXPECT_EQ(form->Attributes()->Item("Owner"), Variant("Marketing | Research"));
+  EXPECT_EQ(form->Attributes()->Item("Formula"), Variant("score=a+b"));
+  EXPECT_EQ(form->NumPages(), 2);
+}
+
+// Inputs the fuzzer once broke: no crash, and a stable save when they read.
+TEST(Regressions, ReadWithoutCrashAndSaveStably) {
+  for (const std::string& file : TemplatesIn(XUN_REGRESSIONS_DIR)) {
+    SCOPED_TRACE(file);
+    testing::ScopedHandler handler;
+    testing::ScopedMessageCapture messages;
+    ReadsAndSavesStably(file);
+  }
+}
+
+// Damaged copies of the examples: a report at most, never a crash, and a stable save for every
+// copy that still reads. The seed is fixed so a failure repeats.
+std::string Mutate(std::string bytes, std::mt19937& rng) {
+  const bool utf16 = bytes.rfind("\xFF\xFE", 0) == 0;
+  const std::string line_end = utf16 ? std::string("\n\0", 2) : "\n";
+  const auto pick = [&rng](size_t n) { return std::uniform_int_distribution<size_t>(0, n)(rng); };
+  // The start of a line near a random position (0 when there is none before it).
+  const auto line_start = [&](size_t at) {
+    const size_t found = bytes.rfind(line_end, at);
+    return found == std::string::npos ? size_t{0} : found + line_end.size();
+  };
+  const auto line_length = [&](size_t start) {
+    const size_t found = bytes.find(line_end, start);
+    return (found == std::string::npos ? bytes.size() : found + line_end.size()) - start;
+  };
+  if (bytes.empty()) return bytes;
+  switch (pick(3)) {
+    case 0:
+      for (size_t n = 1 + pick(3); n > 0; --n)
+        bytes[pick(bytes.size() - 1)] ^= static_cast<char>(1 << pick(7));
+      break;
+    case 1: {
+      const size_t start = line_start(pick(bytes.size() - 1));
+      bytes.erase(start, line_length(start));
+      break;
+    }
+    case 2: {
+      const size_t start = line_start(pick(bytes.size() - 1));
+      bytes.insert(start, bytes.substr(start, line_length(start)));
+      break;
+    }
+    default: {
+      std::string header = "[Field]\r\n";
+      if (utf16) {
+        std::string wide;
+        for (char c : header)
+          wide += std::string{c, '\0'};
+        header = wide;
+      }
+      bytes.insert(line_start(pick(bytes.size() - 1)), header);
+      break;
+    }
+  }
+  return bytes;
+}
+
+TEST(Mutations, FixedSeedNeverCrashes) {
+  testing::ScopedHandler handler;
+  testing::ScopedMessageCapture messages;
+  testing::TempFolder folder;
+  std::mt19937 rng(20240611);
+  int read = 0, total = 0;
+  for (const std::string& example : TemplatesIn(XUN_EXAMPLES_DIR)) {
+    const std::string original = testing::ReadFileBytes(example);
+    for (int i = 0; i < 100; ++i, ++total) {
+      SCOPED_TRACE(example + ", mutation " + std::to_string(i));
+      const std::string input = folder.File("mutated-" + std::to_string(total) + ".omr");
+      testing::WriteFileBytes(input, Mutate(original, rng));
+      if (ReadsAndSavesStably(input)) ++read;
+      if (HasFailure()) return;  // the trace names the first broken copy; keep the log short
+    }
+  }
+  // Most damage is local: a suite where nothing reads any more tests nothing.
+  EXPECT_GT(read, 0);
+  EXPECT_LT(read, total);
+}
+
+}  // namespace
+}  // namespace xun
