@@ -36,6 +36,13 @@ std::vector<std::string> ScopedHandler::Locations() const {
   return out;
 }
 
+std::vector<std::string> ScopedHandler::LocationsAndNumbers() const {
+  std::vector<std::string> out = Locations();
+  for (size_t i = 0; i < out.size(); ++i)
+    out[i] += " #" + std::to_string(handler_->reports[i].number.ToLong());
+  return out;
+}
+
 ScopedMessageCapture::ScopedMessageCapture()
     : messages_(std::make_shared<std::vector<MessageBoxRequest>>()) {
   auto sink = messages_;

@@ -54,6 +54,8 @@ class ScopedHandler {
   const std::vector<Report>& reports() const { return handler_->reports; }
   // The locations reported so far, without the "Office Template - " prefix.
   std::vector<std::string> Locations() const;
+  // Every report so far as "location #number", so one expectation pins both.
+  std::vector<std::string> LocationsAndNumbers() const;
 
  private:
   std::shared_ptr<RecordingHandler> handler_;

@@ -17,14 +17,7 @@ using Strings = std::vector<std::string>;
 class FieldExtra : public ::testing::Test {
  protected:
   Values Entries() const { return {list_->begin(), list_->end()}; }
-  // Every report so far as "location #number", so one expectation pins both.
-  Strings Reported() const {
-    Strings out;
-    for (size_t i = 0; i < handler_.reports().size(); ++i)
-      out.push_back(handler_.Locations()[i] + " #" +
-                    std::to_string(handler_.reports()[i].number.ToLong()));
-    return out;
-  }
+  Strings Reported() const { return handler_.LocationsAndNumbers(); }
 
   testing::ScopedHandler handler_;
   std::shared_ptr<clsXUNFieldExtra> list_ = clsXUNFieldExtra::Create();

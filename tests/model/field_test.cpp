@@ -20,13 +20,7 @@ using Strings = std::vector<std::string>;
 
 class Field : public ::testing::Test {
  protected:
-  // Every report so far as "location #number".
-  Strings Reported() const {
-    Strings out = handler_.Locations();
-    for (size_t i = 0; i < out.size(); ++i)
-      out[i] += " #" + std::to_string(handler_.reports()[i].number.ToLong());
-    return out;
-  }
+  Strings Reported() const { return handler_.LocationsAndNumbers(); }
   static FieldPtr Region(int32_t recog, int32_t type, int16_t rows = 0, int16_t cols = 0,
                          int32_t orient = 0) {
     FieldPtr field = clsXUNField::Create();

@@ -38,13 +38,7 @@ std::shared_ptr<clsXUNPage> PageOf(std::initializer_list<std::shared_ptr<clsXUNF
 
 class PageTest : public ::testing::Test {
  protected:
-  Strings Reported() const {
-    Strings out;
-    for (size_t i = 0; i < handler_.reports().size(); ++i)
-      out.push_back(handler_.Locations()[i] + " #" +
-                    std::to_string(handler_.reports()[i].number.ToLong()));
-    return out;
-  }
+  Strings Reported() const { return handler_.LocationsAndNumbers(); }
   Strings Keys() const {
     Strings out;
     for (const auto& page : *pages_)

@@ -20,14 +20,7 @@ class TimingMarks : public ::testing::Test {
       out.push_back({mark->Left(), mark->Top(), mark->Width(), mark->Height()});
     return out;
   }
-  // Every report so far as "location #number".
-  Strings Reported() const {
-    Strings out;
-    for (size_t i = 0; i < handler_.reports().size(); ++i)
-      out.push_back(handler_.Locations()[i] + " #" +
-                    std::to_string(handler_.reports()[i].number.ToLong()));
-    return out;
-  }
+  Strings Reported() const { return handler_.LocationsAndNumbers(); }
 
   testing::ScopedHandler handler_;
   std::shared_ptr<clsXUNTimingMarks> marks_ = clsXUNTimingMarks::Create();
