@@ -10,23 +10,17 @@
 
 namespace xun::basTemplate::detail {
 
-std::string_view LineCursor::Current() const noexcept {
-  return AtEnd() ? std::string_view() : (*lines_)[pos_];
-}
-
-bool ReadSectionKeys(LineCursor& cursor, const KeyHandler& on_key) {
-  cursor.Next();
-  while (!cursor.AtEnd()) {
-    const std::string_view line = text::TrimLeft(cursor.Current());
-    if (line.empty() || line.front() == '[') break;
-    const size_t equals = line.find('=');
-    if (equals != std::string_view::npos) {
-      const std::string key = text::ToUpper(text::Trim(line.substr(0, equals)));
-      if (!on_key(key, std::string(line.substr(equals + 1)))) return false;
+void UpperKey(std::string_view key, std::string& out) {
+  key = text::Trim(key);
+  out.assign(key);
+  for (char& c : out) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= 0x80) {
+      out = text::ToUpper(key);
+      return;
     }
-    cursor.Next();
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
   }
-  return true;
 }
 
 std::string HeaderOf(std::string_view line) {

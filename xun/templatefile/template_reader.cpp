@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -53,11 +52,16 @@ class TemporaryCopy {
   std::string path_;
 };
 
+// Sized from the file and read in one call: growing a string while reading would hold up to
+// twice the file at its peak.
 std::string ReadAllBytes(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
+  std::ifstream in(path, std::ios::binary | std::ios::ate);
   if (!in) Raise(kErrPermissionDenied);
-  std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  if (in.bad()) Raise(kErrDeviceIO);
+  const std::streamoff size = in.tellg();
+  if (size < 0) Raise(kErrDeviceIO);
+  std::string bytes(static_cast<size_t>(size), '\0');
+  in.seekg(0);
+  if (!in.read(bytes.data(), size)) Raise(kErrDeviceIO);
   return bytes;
 }
 
@@ -183,7 +187,7 @@ bool ReadCopy(const std::string& sTemplateFile, clsXUNTemplate& oTemplate, bool 
     }
     bytes = ReadAllBytes(inner);
   }
-  const detail::DecodedLines decoded = detail::DecodeTemplateText(bytes);
+  const detail::DecodedText decoded = detail::DecodeTemplateText(std::move(bytes));
   if (decoded.odd_trailing_byte) {
     detail::FailRead(kLoadError, kLoadErrorText, kLocation, 0);
     return false;
@@ -191,7 +195,7 @@ bool ReadCopy(const std::string& sTemplateFile, clsXUNTemplate& oTemplate, bool 
 
   // A file without a Version key must read as version 0, not keep the object's default.
   xun::detail::TemplateInternals::SetVersion(oTemplate, "");
-  detail::ReaderContext ctx(oTemplate, detail::LineCursor(decoded.lines), bForEdit);
+  detail::ReaderContext ctx(oTemplate, detail::LineCursor(decoded.text), bForEdit);
   const bool read = Dispatch(ctx);
   // The images are taken even from a read that stopped early: the pages read so far own them,
   // and clearing the template deletes them with the pages.

@@ -1,5 +1,7 @@
 #include "xun/templatefile/text_decoding.h"
 
+#include <utility>
+
 #include "xun/support/text.h"
 
 namespace xun::basTemplate::detail {
@@ -17,63 +19,19 @@ bool IsAscii(std::string_view bytes) noexcept {
   return true;
 }
 
-// Where the line starting at `start` ends; a plain loop, since find_first_of calls memchr on
-// the set for every byte.
-size_t LineEnd(std::string_view text, size_t start) noexcept {
-  for (size_t i = start; i < text.size(); ++i)
-    if (text[i] == '\r' || text[i] == '\n') return i;
-  return std::string_view::npos;
-}
-
-// Calls on_line with each line of text as SplitLines documents it.
-template <class OnLine>
-void ForEachLine(std::string_view text, OnLine&& on_line) {
-  size_t start = 0;
-  while (start < text.size()) {
-    const size_t end = LineEnd(text, start);
-    if (end == std::string_view::npos) {
-      on_line(text.substr(start));
-      break;
-    }
-    on_line(text.substr(start, end - start));
-    start = end + 1;
-    if (text[end] == '\r' && start < text.size() && text[start] == '\n') ++start;
-  }
-}
-
-DecodedLines LinesOf(std::string text, bool odd_trailing_byte) {
-  DecodedLines decoded;
-  decoded.odd_trailing_byte = odd_trailing_byte;
-  decoded.text = std::make_unique<const std::string>(std::move(text));
-  // Counted first so the views are allocated once: growing by doubling would hold up to three
-  // times the final size at its peak.
-  size_t count = 0;
-  ForEachLine(*decoded.text, [&](std::string_view) { ++count; });
-  decoded.lines.reserve(count);
-  ForEachLine(*decoded.text, [&](std::string_view line) { decoded.lines.push_back(line); });
-  return decoded;
-}
-
 }  // namespace
 
-DecodedLines DecodeTemplateText(std::string_view bytes) {
+DecodedText DecodeTemplateText(std::string bytes) {
+  DecodedText decoded;
   if (IsUtf16LEText(bytes)) {
-    bool odd = false;
-    std::string text = text::Utf16LEBytesToUtf8(bytes.substr(2), &odd);
-    return LinesOf(std::move(text), odd);
+    decoded.text =
+        text::Utf16LEBytesToUtf8(std::string_view(bytes).substr(2), &decoded.odd_trailing_byte);
+  } else if (IsAscii(bytes)) {
+    decoded.text = std::move(bytes);
+  } else {
+    decoded.text = text::Windows1252ToUtf8(bytes);
   }
-  return LinesOf(text::Windows1252ToUtf8(bytes), false);
-}
-
-DecodedLines DecodeTemplateText(std::string&& bytes) {
-  if (!IsUtf16LEText(bytes) && IsAscii(bytes)) return LinesOf(std::move(bytes), false);
-  return DecodeTemplateText(std::string_view(bytes));
-}
-
-std::vector<std::string> SplitLines(std::string_view text) {
-  std::vector<std::string> lines;
-  ForEachLine(text, [&](std::string_view line) { lines.emplace_back(line); });
-  return lines;
+  return decoded;
 }
 
 }  // namespace xun::basTemplate::detail
