@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "xun/support/text.h"
+#include "xun/templatefile/clean_text.h"
 
 namespace xun::basTemplate::detail {
 
@@ -86,9 +87,5 @@ bool FlagValue(const std::string& value);
 int16_t Int16Value(const std::string& value);
 int32_t Int32Value(const std::string& value);
 std::string TextValue(const std::string& value, const std::string& strip_characters = {});
-
-// CleanTemplateValues, without its copies for a value that has nothing to clean (nearly every
-// value of a file this library wrote).
-std::string CleanText(std::string_view value, bool strip_tabs, const std::string& strip_characters);
 
 }  // namespace xun::basTemplate::detail

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,6 +19,7 @@
 #include "xun/support/zip_archive.h"
 #include "xun/templatefile/archive_password.h"
 #include "xun/templatefile/bas_template.h"
+#include "xun/templatefile/mapped_file.h"
 #include "xun/templatefile/text_decoding.h"
 
 namespace xun::basTemplate {
@@ -51,19 +51,6 @@ class TemporaryCopy {
  private:
   std::string path_;
 };
-
-// Sized from the file and read in one call: growing a string while reading would hold up to
-// twice the file at its peak.
-std::string ReadAllBytes(const std::string& path) {
-  std::ifstream in(path, std::ios::binary | std::ios::ate);
-  if (!in) Raise(kErrPermissionDenied);
-  const std::streamoff size = in.tellg();
-  if (size < 0) Raise(kErrDeviceIO);
-  std::string bytes(static_cast<size_t>(size), '\0');
-  in.seekg(0);
-  if (!in.read(bytes.data(), size)) Raise(kErrDeviceIO);
-  return bytes;
-}
 
 // A folder of our own for unpacking an archive, removed with everything in it however the read
 // ends.
@@ -173,11 +160,13 @@ bool ReadCopy(const std::string& sTemplateFile, clsXUNTemplate& oTemplate, bool 
   fs::permissions(copy.path(), fs::perms::owner_read | fs::perms::owner_write,
                   fs::perm_options::add, ec);
 
-  std::string bytes = ReadAllBytes(copy.path());
   // A template archive holds the .omr file and the page images; a refused or damaged archive
   // throws, which ReadTemplate turns into the load error.
   std::optional<TemporaryFolder> unpacked;
-  if (zip::LooksLikeZip(bytes)) {
+  // The private copy and, for an archive, the template inside it: files of our own, mapped
+  // rather than read into a buffer.
+  std::optional<detail::MappedFile> file(std::in_place, copy.path());
+  if (zip::LooksLikeZip(file->bytes())) {
     unpacked.emplace();
     zip::ExtractArchive(copy.path(), unpacked->path(), detail::ArchivePassword());
     const std::string inner = FirstTemplateIn(unpacked->path());
@@ -185,17 +174,17 @@ bool ReadCopy(const std::string& sTemplateFile, clsXUNTemplate& oTemplate, bool 
       detail::FailRead(kLoadError, kLoadErrorText, kLocation, 0);
       return false;
     }
-    bytes = ReadAllBytes(inner);
+    file.emplace(inner);
   }
-  const detail::DecodedText decoded = detail::DecodeTemplateText(std::move(bytes));
-  if (decoded.odd_trailing_byte) {
+  const detail::DecodedText decoded = detail::DecodeTemplateText(file->bytes());
+  if (decoded.odd_trailing_byte()) {
     detail::FailRead(kLoadError, kLoadErrorText, kLocation, 0);
     return false;
   }
 
   // A file without a Version key must read as version 0, not keep the object's default.
   xun::detail::TemplateInternals::SetVersion(oTemplate, "");
-  detail::ReaderContext ctx(oTemplate, detail::LineCursor(decoded.text), bForEdit);
+  detail::ReaderContext ctx(oTemplate, detail::LineCursor(decoded.text()), bForEdit);
   const bool read = Dispatch(ctx);
   // The images are taken even from a read that stopped early: the pages read so far own them,
   // and clearing the template deletes them with the pages.

@@ -1,7 +1,5 @@
 #include "xun/templatefile/text_decoding.h"
 
-#include <utility>
-
 #include "xun/support/text.h"
 
 namespace xun::basTemplate::detail {
@@ -21,15 +19,16 @@ bool IsAscii(std::string_view bytes) noexcept {
 
 }  // namespace
 
-DecodedText DecodeTemplateText(std::string bytes) {
+DecodedText DecodeTemplateText(std::string_view bytes) {
   DecodedText decoded;
   if (IsUtf16LEText(bytes)) {
-    decoded.text =
-        text::Utf16LEBytesToUtf8(std::string_view(bytes).substr(2), &decoded.odd_trailing_byte);
+    decoded.owned_ = text::Utf16LEBytesToUtf8(bytes.substr(2), &decoded.odd_trailing_byte_);
+    decoded.converted_ = true;
   } else if (IsAscii(bytes)) {
-    decoded.text = std::move(bytes);
+    decoded.source_ = bytes;
   } else {
-    decoded.text = text::Windows1252ToUtf8(bytes);
+    decoded.owned_ = text::Windows1252ToUtf8(bytes);
+    decoded.converted_ = true;
   }
   return decoded;
 }
