@@ -13,6 +13,7 @@
 #include <new>
 #include <string>
 
+#include "bench/large_template.h"
 #include "xun/xun.h"
 
 // While `tracking` is on, every C++ allocation of the process (the library's too) is counted, so
@@ -64,47 +65,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kPages = 20, kRegions = 50, kQuestions = 30;
-constexpr size_t kQuestionTextLength = 80;
-
-// A question text long enough to bring the file to the size of a large real form, short enough
-// that every line stays under inih's 200-byte line limit.
-std::string QuestionText(int p, int r, int q) {
-  std::string text = "Page " + std::to_string(p) + ", region " + std::to_string(r) + ", question " +
-                     std::to_string(q) + ": ";
-  static const std::string kFiller =
-      "Which of the following statements best describes how often you used the service during "
-      "the last twelve months, counting every visit in person, by phone or online? ";
-  return text + kFiller.substr(0, kQuestionTextLength - text.size());
-}
-
-std::shared_ptr<xun::clsXUNTemplate> BuildTemplate() {
-  auto t = xun::clsXUNTemplate::Create();
-  for (int p = 1; p <= kPages; ++p) {
-    auto page = xun::clsXUNPage::Create();
-    for (int r = 1; r <= kRegions; ++r) {
-      auto field = xun::clsXUNField::Create();
-      field->FieldName("P" + std::to_string(p) + "R" + std::to_string(r));
-      field->RecognitionType(xun::xunRecogTypeOMR);
-      field->FieldType(xun::xunFieldTypeOMRMult);
-      field->Orient(xun::xunOrientationTypeOMRRow);
-      field->NumRows(kQuestions);
-      field->NumCols(5);
-      for (int q = 1; q <= kQuestions; ++q) {
-        auto question = xun::clsXUNQuestion::Create();
-        question->QuestionName(field->FieldName() + "Q" + std::to_string(q));
-        question->QuestionText(QuestionText(p, r, q));
-        question->Choices()->AddDelimitedString("Never\tRarely\tSometimes\tOften\tAlways");
-        question->Codes()->AddDelimitedString("1\t2\t3\t4\t5");
-        field->Questions()->Add(question);
-      }
-      page->Fields()->Add(field);
-    }
-    t->Pages()->Add(page);
-  }
-  return t;
-}
-
 // The file every benchmark reads, written once per process outside any timing.
 struct Fixture {
   fs::path dir;
@@ -116,7 +76,7 @@ struct Fixture {
     dir = fs::temp_directory_path() / ("xun_template_file_bench_" + std::to_string(::getpid()));
     fs::create_directories(dir);
     file = dir / "large.omr";
-    tmpl = BuildTemplate();
+    tmpl = xun::bench::BuildLargeTemplate(true);
     if (!tmpl->Save(file.string(), false)) std::abort();
     std::ifstream in(file, std::ios::binary);
     bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
