@@ -1,5 +1,6 @@
 #include "common/tree_description.h"
 
+#include <map>
 #include <sstream>
 
 namespace xun::testing {
@@ -7,17 +8,30 @@ namespace {
 
 class Describer {
  public:
-  explicit Describer(bool stable_only) : stable_only_(stable_only) { out_.precision(17); }
+  explicit Describer(bool file_view) : file_view_(file_view) { out_.precision(17); }
 
   template <class V>
   void Put(const std::string& path, const char* name, const V& value) {
     out_ << path << '.' << name << '=' << value << '\n';
   }
-  void PutText(const std::string& path, const char* name, const std::string& value) {
-    Put(path, name, "\"" + value + "\"");
+  // -0 is written as "0": the file has no negative zero.
+  void Put(const std::string& path, const char* name, double value) {
+    out_ << path << '.' << name << '=' << (value == 0 ? 0.0 : value) << '\n';
   }
+  void Put(const std::string& path, const char* name, float value) {
+    Put(path, name, static_cast<double>(value));
+  }
+  // In the file view text is trimmed, as the writer's cleaning trims it: the reader's cleaning
+  // trims before it turns tabs and line breaks into blanks, so a value read may end in a blank
+  // that the next save drops.
+  void PutText(const std::string& path, const char* name, const std::string& value) {
+    Put(path, name, "\"" + std::string(file_view_ ? text::Trim(value) : value) + "\"");
+  }
+  // Whether a value of a key group goes into the description: always in the full view, in the
+  // file view only when the region's kind writes that group.
+  bool Holds(bool kind_writes) const { return !file_view_ || kind_writes; }
   void PutKey(const std::string& path, const std::string& key) {
-    if (!stable_only_) PutText(path, "Key", key);
+    if (!file_view_) PutText(path, "Key", key);
   }
   void PutAttributes(const std::string& path, const DictionaryPtr& attributes) {
     if (!attributes) return Put(path, "Attributes", "none");
@@ -64,7 +78,7 @@ class Describer {
   void Page(const std::string& p, const clsXUNPage& page) {
     PutAttributes(p, page.Attributes());
     PutKey(p, page.Key());
-    if (!stable_only_) PutText(p, "ImageFile", page.ImageFile());
+    if (!file_view_) PutText(p, "ImageFile", page.ImageFile());
     Put(p, "ColumnWidth", page.ColumnWidth());
     PutText(p, "Tag", page.Tag());
     Put(p, "XDPI", page.XDPI());
@@ -90,36 +104,55 @@ class Describer {
     Put(p, "FieldType", f.FieldType());
     Put(p, "DataType", f.DataType());
     Put(p, "Orient", f.Orient());
-    Put(p, "ImageClipType", f.ImageClipType());
-    Put(p, "ImageClipCompression", f.ImageClipCompression());
-    PutText(p, "ImageClipFile", f.ImageClipFile());
-    Put(p, "ImageClipAddColumn", f.ImageClipAddColumn());
-    Put(p, "ImageFillPrompt", f.ImageFillPrompt());
-    PutText(p, "ImageLinkValue", f.ImageLinkValue());
-    PutText(p, "ImageLinkQuestionKey", f.ImageLinkQuestionKey());
-    PutText(p, "BarcodeDelimiter", f.BarcodeDelimiter());
-    Put(p, "BarcodeDistance", f.BarcodeDistance());
-    Put(p, "BarcodeLength", f.BarcodeLength());
+    const xunRecogType kind = f.RecognitionType();
+    const bool omr = kind == xunRecogTypeOMR, barcode = kind == xunRecogTypeBarcode;
+    const bool entry = barcode || kind == xunRecogTypeOCR;
+    const bool image = kind == xunRecogTypeImage;
+    const bool clip = image && f.FieldType() >= 1 && f.FieldType() <= 3;
+    const bool image_entry = image && f.FieldType() == xunFieldTypeImageDataEntry;
+    if (Holds(clip)) {
+      Put(p, "ImageClipType", f.ImageClipType());
+      Put(p, "ImageClipCompression", f.ImageClipCompression());
+      PutText(p, "ImageClipFile", f.ImageClipFile());
+      Put(p, "ImageClipAddColumn", f.ImageClipAddColumn());
+    }
+    if (Holds(image_entry)) {
+      Put(p, "ImageFillPrompt", f.ImageFillPrompt());
+      PutText(p, "ImageLinkValue", f.ImageLinkValue());
+      PutText(p, "ImageLinkQuestionKey", f.ImageLinkQuestionKey());
+    }
+    if (Holds(barcode)) {
+      PutText(p, "BarcodeDelimiter", f.BarcodeDelimiter());
+      Put(p, "BarcodeDistance", f.BarcodeDistance());
+      Put(p, "BarcodeLength", f.BarcodeLength());
+    }
     Put(p, "Rectangle",
         std::to_string(f.Left()) + "," + std::to_string(f.Top()) + "," + std::to_string(f.Right()) +
             "," + std::to_string(f.Bottom()));
-    Put(p, "Grid",
-        std::to_string(f.StartRow()) + "," + std::to_string(f.RowGap()) + "," +
-            std::to_string(f.StartCol()) + "," + std::to_string(f.ColGap()) + "," +
-            std::to_string(f.NumRows()) + "," + std::to_string(f.NumCols()));
-    Put(p, "LinkGroup", f.LinkGroup());
+    if (Holds(omr)) {
+      Put(p, "Grid",
+          std::to_string(f.StartRow()) + "," + std::to_string(f.RowGap()) + "," +
+              std::to_string(f.StartCol()) + "," + std::to_string(f.ColGap()) + "," +
+              std::to_string(f.NumRows()));
+      PutText(p, "Pattern", f.Pattern());
+    }
+    if (Holds(omr || entry)) {
+      Put(p, "NumCols", f.NumCols());
+      Put(p, "Threshold", f.Threshold());
+    }
+    Put(p, "LinkGroup", LinkGroupOf(f.LinkGroup()));
     Put(p, "LinkStart", f.LinkStart());
     Put(p, "Read", f.Read());
-    Put(p, "AutoDetect", f.AutoDetect());
-    Put(p, "AutoIncrement", f.AutoIncrement());
-    Put(p, "AutoIncrementSpansTemplates", f.AutoIncrementSpansTemplates());
-    PutText(p, "DefaultFill", f.DefaultFill());
-    PutText(p, "Pattern", f.Pattern());
-    Put(p, "Threshold", f.Threshold());
+    if (Holds(entry)) {
+      Put(p, "AutoDetect", f.AutoDetect());
+      Put(p, "AutoIncrement", f.AutoIncrement());
+      Put(p, "AutoIncrementSpansTemplates", f.AutoIncrementSpansTemplates());
+      PutText(p, "DefaultFill", f.DefaultFill());
+    }
     PutText(p, "Tag", f.Tag());
     PutText(p, "Extra", f.Extra() ? f.Extra()->AsString(",") : "none");
     Put(p, "NumItems", f.NumItems());
-    if (const auto db = f.DB()) {
+    if (const auto db = f.DB(); db && Holds(f.DBVerify())) {
       PutText(p, "DB.Name", db->Name());
       PutText(p, "DB.Catalog", db->Catalog());
       PutText(p, "DB.Table", db->Table());
@@ -174,15 +207,24 @@ class Describer {
 
   std::string str() const { return out_.str(); }
 
+  // In the file view a group is named by its order of appearance: the file holds which regions
+  // are linked together, not the group numbers, and a read numbers the groups it finds.
+  int LinkGroupOf(int16_t group) {
+    if (!file_view_ || group == 0) return group;
+    const auto [it, added] = link_groups_.try_emplace(group, link_groups_.size() + 1);
+    return static_cast<int>(it->second);
+  }
+
  private:
-  bool stable_only_;
+  bool file_view_;
   std::ostringstream out_;
+  std::map<int16_t, size_t> link_groups_;
 };
 
 }  // namespace
 
-std::string DescribeTree(const clsXUNTemplate& t, bool stable_only) {
-  Describer describer(stable_only);
+std::string DescribeTree(const clsXUNTemplate& t, bool file_view) {
+  Describer describer(file_view);
   describer.Template(t);
   return describer.str();
 }

@@ -8,8 +8,10 @@
 
 namespace xun::testing {
 
-// Keys made fresh by the library (UUIDs of objects the file does not name) and the folder of a
-// page's own image copy are left out with `stable_only`, since they differ between two reads.
-std::string DescribeTree(const clsXUNTemplate& t, bool stable_only = false);
+// With `file_view` only what a saved file holds: no keys (a file without them gets fresh ones on
+// every read), no path of a page's own image copy, text trimmed as saving trims it, and for each
+// region only the key groups its kind writes (docs/template-file.md), since values a kind does
+// not use are not saved.
+std::string DescribeTree(const clsXUNTemplate& t, bool file_view = false);
 
 }  // namespace xun::testing
