@@ -6,17 +6,8 @@
 
 namespace xun::basTemplate::detail {
 
-void UpperKey(std::string_view key, std::string& out) {
-  key = text::Trim(key);
-  out.assign(key);
-  for (char& c : out) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte >= 0x80) {
-      out = text::ToUpper(key);
-      return;
-    }
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
+void UpperKeyNonAscii(std::string_view key, std::string& out) {
+  out = text::ToUpper(key);
 }
 
 std::string HeaderOf(std::string_view line) {
