@@ -1,6 +1,10 @@
 #include "xun/templatefile/section_reader.h"
 
+#include <cmath>
+#include <limits>
+
 #include "xun/support/numeric.h"
+#include "xun/support/runtime_error.h"
 #include "xun/support/text.h"
 #include "xun/templatefile/bas_template.h"
 
@@ -18,6 +22,12 @@ std::string HeaderOf(std::string_view line) {
 
 double NumberValue(const std::string& value) {
   return Val(text::Trim(value));
+}
+
+float SingleValue(const std::string& value) {
+  const double number = NumberValue(value);
+  if (std::fabs(number) > std::numeric_limits<float>::max()) Raise(kErrOverflow);
+  return static_cast<float>(number);
 }
 
 bool FlagValue(const std::string& value) {

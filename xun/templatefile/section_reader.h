@@ -101,6 +101,9 @@ std::string HeaderOf(std::string_view line);
 // Value conversions of the file format: the lenient leading number, a flag that is true for
 // any number but 0, 16- and 32-bit whole numbers (error 6 out of range), and cleaned text.
 double NumberValue(const std::string& value);
+// A single-precision number; error 6 beyond its range, as a value the writer could not write
+// back (an infinity) must not be read.
+float SingleValue(const std::string& value);
 bool FlagValue(const std::string& value);
 int16_t Int16Value(const std::string& value);
 int32_t Int32Value(const std::string& value);
