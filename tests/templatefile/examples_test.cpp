@@ -80,21 +80,6 @@ TEST(Examples, BatchReadsIntoOneTemplate) {
   form->Free();
 }
 
-// The linked example: two groups whose codes run on from region to region.
-TEST(Examples, LinkedRegionsAnswerAsOne) {
-  auto form = clsXUNTemplate::Create();
-  ASSERT_TRUE(form->Read(std::string(XUN_EXAMPLES_DIR) + "/linked.omr", false));
-  auto page = form->Pages()->Item(1);
-  ASSERT_EQ(basTemplate::LinkCount(*page, 1), 2);
-  ASSERT_EQ(basTemplate::LinkCount(*page, 2), 2);
-  auto answers = page->LinkFirst(1)->Questions()->Item(3);
-  EXPECT_EQ(answers->AllCodes()->AsString(""), "ABCDEFGHIJ");
-  auto surname = page->LinkFirst(2)->Questions()->Item(1);
-  EXPECT_EQ(surname->AllCodes()->AsString(""), "ABCDEFGHIJKLMNOPQRSTUVWXYZ");
-  EXPECT_EQ(page->NumQuestions(), 11);
-  form->Free();
-}
-
 // Inputs the fuzzer once broke: no crash, and a stable save when they read.
 TEST(Regressions, ReadWithoutCrashAndSaveStably) {
   for (const std::string& file : TemplatesIn(XUN_REGRESSIONS_DIR)) {
