@@ -1,17 +1,19 @@
 #include "xun/templatefile/batch_file.h"
 
+#include "xun/templatefile/section_reader.h"
+
 #include "xun/support/error_reporter.h"
 #include "xun/support/message_box.h"
 #include "xun/support/text.h"
 
 namespace xun::basTemplate::detail {
 
-BatchMembers ParseBatchLines(const std::vector<std::string_view>& lines) {
+BatchMembers ParseBatchText(std::string_view text) {
   enum class Section { None, Form, Headers } section = Section::None;
   BatchMembers members;
   bool form_seen = false;
-  for (const std::string_view raw : lines) {
-    const std::string_view line = text::TrimLeft(raw);
+  for (LineCursor cursor(text); !cursor.AtEnd(); cursor.Next()) {
+    const std::string_view line = text::TrimLeft(cursor.Current());
     if (!line.empty() && line.front() == '[') {
       const std::string header = text::ToUpper(text::Trim(line));
       section = header == "[TEMPLATE]"  ? Section::Form

@@ -16,8 +16,8 @@ struct BatchMembers {
   std::vector<std::string> headers;  // the paths of [Headers], in file order
 };
 
-// Reads the decoded lines of a batch file.
-BatchMembers ParseBatchLines(const std::vector<std::string_view>& lines);
+// Reads the decoded text of a batch file.
+BatchMembers ParseBatchText(std::string_view text);
 
 // The text of a batch file (UTF-8, CR LF line ends) naming these paths.
 std::string BatchFileText(const std::string& form, const std::vector<std::string>& headers);

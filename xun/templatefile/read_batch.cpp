@@ -94,8 +94,9 @@ void TakeMerged(clsXUNTemplate& merged, clsXUNTemplate& oTemplate) {
 bool ReadBatch(clsXUNTemplate& oTemplate, const std::string& sBatchFile,
                const std::string& sDefaultTemplateDir) {
   return Trap(kLocation, false, [&] {
-    const detail::DecodedLines decoded = detail::DecodeTemplateText(ReadBatchBytes(sBatchFile));
-    const detail::BatchMembers named = detail::ParseBatchLines(decoded.lines);
+    const std::string bytes = ReadBatchBytes(sBatchFile);
+    const detail::DecodedText decoded = detail::DecodeTemplateText(bytes);
+    const detail::BatchMembers named = detail::ParseBatchText(decoded.text());
     // A batch without a form template names nothing that could be read.
     if (named.form.empty()) return CannotRead(sBatchFile);
 
