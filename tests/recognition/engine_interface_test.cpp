@@ -129,12 +129,5 @@ TEST(EngineWrappers, DynamicBindingReportsAMissingEntryPoint) {
   EXPECT_NE(handler.reports()[0].description.find("XUNREC_unload_image"), std::string::npos);
 }
 
-TEST(EngineWrappers, InstallingNothingGoesBackToTheLibraryBinding) {
-  const auto previous = basExterns::SetEngine(std::make_shared<ScriptedEngine>());
-  basExterns::SetEngine(nullptr);
-  EXPECT_NE(dynamic_cast<DynamicRecognitionEngine*>(basExterns::Engine().get()), nullptr);
-  basExterns::SetEngine(previous);
-}
-
 }  // namespace
 }  // namespace xun

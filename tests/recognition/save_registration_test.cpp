@@ -65,6 +65,13 @@ TEST_F(SaveRegistrationTest, ImportedImagesAndRegistrationsTravelInTheArchive) {
   ASSERT_TRUE(form_->Save(target, false, &invalid, true));
   EXPECT_FALSE(invalid);
   EXPECT_EQ(testing::ReadFileBytes(target).substr(0, 2), "PK");
+  // After the two imports (load, count, unload), one load per page registers and counts.
+  std::vector<std::string> ops;
+  for (const std::string& call : engine_->Calls())
+    ops.push_back(call.substr(0, call.find(' ')));
+  EXPECT_EQ(std::vector<std::string>(ops.begin() + 6, ops.end()),
+            (std::vector<std::string>{"load", "checkfill", "image", "unload", "load", "checkfill",
+                                      "image", "unload"}));
 
   auto read = clsXUNTemplate::Create();
   ASSERT_TRUE(read->Read(target, true)) << basTemplate::LastReadDiagnostic().text;
@@ -80,17 +87,6 @@ TEST_F(SaveRegistrationTest, ImportedImagesAndRegistrationsTravelInTheArchive) {
     EXPECT_TRUE(copy->Fields()->Item(1)->IsRegistered());
   }
   read->Free();
-}
-
-TEST_F(SaveRegistrationTest, EachPageIsLoadedOnceAndUnloaded) {
-  ASSERT_TRUE(form_->Save(folder_.File("form.omr"), false, nullptr, true));
-  std::vector<std::string> ops;
-  for (const std::string& call : engine_->Calls())
-    ops.push_back(call.substr(0, call.find(' ')));
-  // Two imports (load, count, unload), then the save: per page load, register, count, unload.
-  EXPECT_EQ(ops, (std::vector<std::string>{"load", "image", "unload", "load", "image", "unload",
-                                           "load", "checkfill", "image", "unload", "load",
-                                           "checkfill", "image", "unload"}));
 }
 
 TEST_F(SaveRegistrationTest, RegionsThatCannotBeRegisteredAreShownAndMakeTheTemplateInvalid) {
@@ -115,6 +111,7 @@ TEST_F(SaveRegistrationTest, RegionsThatCannotBeRegisteredAreShownAndMakeTheTemp
 
 TEST_F(SaveRegistrationTest, AMissingPageImageIsReportedInItsOwnWords) {
   form_->Pages()->Item(2)->ImageFile(folder_.File("gone.pcx"));
+  ScopedHandler handler;
   ScopedMessageCapture messages;
   bool invalid = false;
   ASSERT_TRUE(form_->Save(folder_.File("form.omr"), true, &invalid, true));
