@@ -32,8 +32,9 @@ using CheckOMRFillFn = int16_t XUN_ENGINE_CALL (*)(int16_t, int16_t, int16_t, in
 using CheckImageFn = int16_t XUN_ENGINE_CALL (*)(int16_t, int16_t, int16_t, int16_t, int32_t*);
 using AlignOMRFn = int16_t XUN_ENGINE_CALL (*)(int16_t, int16_t, int16_t, int16_t, int16_t, int16_t,
                                                int16_t, int16_t*, int16_t*, int16_t*, int16_t*);
+// The engine takes the mark array as a plain address: it knows the record layout, not our type.
 using GetMarkAreasFn = int16_t XUN_ENGINE_CALL (*)(int16_t, int16_t, int16_t, int16_t, int16_t,
-                                                   int16_t, int16_t, int16_t*, xunReadArea*);
+                                                   int16_t, int16_t, int16_t*, void*);
 
 std::mutex dl_mutex;
 

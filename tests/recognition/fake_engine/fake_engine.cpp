@@ -35,9 +35,9 @@ __attribute__((visibility("default"))) int16_t XUNREC_check_image_field(int16_t 
 __attribute__((visibility("default"))) int16_t XUNREC_get_mark_areas(int16_t, int16_t, int16_t,
                                                                      int16_t, int16_t, int16_t,
                                                                      int16_t max, int16_t* count,
-                                                                     ReadArea* marks) {
+                                                                     void* marks) {
   *count = 1;
-  marks[0] = {1, 2, 3, 4};
+  static_cast<ReadArea*>(marks)[0] = {1, 2, 3, 4};
   return static_cast<int16_t>(max);
 }
 
