@@ -47,10 +47,9 @@ void TellRegionFailure(int16_t code, int32_t page_number, const clsXUNField& fie
 
 }  // namespace
 
-bool RegisterForSave(clsXUNTemplate& oTemplate, bool bRegister, bool bVerbose) {
-  bool all = true;
+void RegisterForSave(clsXUNTemplate& oTemplate, bool bRegister, bool bVerbose) {
   const std::shared_ptr<clsXUNPages> pages = oTemplate.Pages();
-  if (!pages) return true;
+  if (!pages) return;
   int32_t page_number = 0;
   for (const std::shared_ptr<clsXUNPage>& page : *pages) {
     ++page_number;
@@ -62,7 +61,6 @@ bool RegisterForSave(clsXUNTemplate& oTemplate, bool bRegister, bool bVerbose) {
     if (!PageImageUsable(*page)) {
       if (registers) {
         TellInvalidImage(page_number, bVerbose);
-        all = false;
       }
       continue;
     }
@@ -70,7 +68,6 @@ bool RegisterForSave(clsXUNTemplate& oTemplate, bool bRegister, bool bVerbose) {
     if (!session.Loaded()) {
       if (registers) {
         TellInvalidImage(page_number, bVerbose);
-        all = false;
       }
       continue;
     }
@@ -79,12 +76,10 @@ bool RegisterForSave(clsXUNTemplate& oTemplate, bool bRegister, bool bVerbose) {
         const int16_t code = RegisterOnLoadedImage(*field, *page);
         if (code == 0) continue;
         TellRegionFailure(code, page_number, *field, bVerbose);
-        all = false;
       }
     }
     CountFilledPixels(*page);
   }
-  return all;
 }
 
 }  // namespace xun::detail

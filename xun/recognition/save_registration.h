@@ -7,8 +7,7 @@ namespace xun::detail {
 
 // For every page with an image: one load that registers each region (when bRegister) and counts
 // the filled pixels. Registration failures are shown (bVerbose) and reported at
-// "basTemplate.SaveTemplate". False when some region could not be registered. Runs inside the
-// writer's trap: other failures are raised to it.
-bool RegisterForSave(clsXUNTemplate& oTemplate, bool bRegister, bool bVerbose);
+// "basTemplate.SaveTemplate". Runs inside the writer's trap: other failures are raised to it.
+void RegisterForSave(clsXUNTemplate& oTemplate, bool bRegister, bool bVerbose);
 
 }  // namespace xun::detail

@@ -185,10 +185,10 @@ bool SaveTemplate(const std::string& sTemplateFile, clsXUNTemplate& oTemplate, b
   return Trap("basTemplate.SaveTemplate", false, [&] {
     StoreIdentificationSummary(oTemplate);
     // Registers the regions (when asked) and counts each page image's filled pixels, one load
-    // per page. A region that could not be registered makes the template unfit for reading.
-    const bool registered = xun::detail::RegisterForSave(oTemplate, bRegister, bVerbose);
+    // per page. What could not be registered is reported; validity stays the file's own rule.
+    xun::detail::RegisterForSave(oTemplate, bRegister, bVerbose);
 
-    const bool valid = TemplateIsValid(oTemplate) && registered;
+    const bool valid = TemplateIsValid(oTemplate);
     xun::detail::TemplateInternals::SetValid(oTemplate, valid);
     if (bInvalid) *bInvalid = !valid;
 
