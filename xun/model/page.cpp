@@ -143,11 +143,6 @@ int16_t clsXUNPage::NumIDs(xunIDType eIDType) const {
   });
 }
 
-// Image import needs the image component, which is not part of this build yet.
-bool clsXUNPage::ImageImport(const std::string&, int32_t) {
-  return false;
-}
-
 float clsXUNPage::ColumnWidth() const {
   return Trap("clsXUNPage.ColumnWidth", 0.0f, [&] { return column_width_; });
 }
@@ -212,11 +207,6 @@ std::shared_ptr<clsXUNPage> clsXUNPage::Copy(bool bKeepKey, bool bCopyAttributes
     }
     return copy;
   });
-}
-
-// Page alignment needs the recognition engine, which is not part of this build yet.
-bool clsXUNPage::Align(int16_t, int16_t) {
-  return false;
 }
 
 int16_t clsXUNPage::GetItemIndex(int16_t iFieldIndex, bool bStart) const {
@@ -331,15 +321,8 @@ int16_t clsXUNPage::NumTimingMarks() const {
   });
 }
 
-// Hybrid registration needs the recognition engine, which is not part of this build yet.
-bool clsXUNPage::RegisterHybrid() {
-  return false;
-}
-
-// Finding timing marks needs the recognition engine, which is not part of this build yet.
-bool clsXUNPage::FindTimingMarks() {
-  return false;
-}
+// ImageImport, Align, FindTimingMarks and RegisterHybrid work on the page image: they live with
+// the rest of the image work in xun/recognition.
 
 std::shared_ptr<clsXUNTemplate> clsXUNPage::Template() const {
   const std::shared_ptr<clsXUNPages> pages = Pages();
