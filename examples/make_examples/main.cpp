@@ -8,6 +8,8 @@
 #include <memory>
 #include <string>
 
+#include <Magick++.h>
+
 #include "xun/xun.h"
 
 namespace {
@@ -244,6 +246,50 @@ bool WriteBatchFile(const std::filesystem::path& file) {
 
 }  // namespace
 
+// The page as a printer would put it on paper, at 100 dots per inch (the unit of region
+// coordinates): each region's outline, each OMR region's bubbles from its grid values.
+bool DrawPage(const std::shared_ptr<clsXUNPage>& page, const std::filesystem::path& file) {
+  try {
+    Magick::InitializeMagick(nullptr);
+    Magick::Image image(Magick::Geometry(850, 1100), Magick::Color("white"));
+    image.resolutionUnits(Magick::PixelsPerInchResolution);
+    image.density(Magick::Geometry(100, 100));
+    image.strokeColor("black");
+    image.fillColor("transparent");
+    image.strokeWidth(2);
+    for (const auto& field : *page->Fields()) {
+      image.draw(
+          Magick::DrawableRectangle(field->Left(), field->Top(), field->Right(), field->Bottom()));
+      if (field->RecognitionType() != xun::xunRecogTypeOMR) continue;
+      for (int r = 0; r < field->NumRows(); ++r)
+        for (int c = 0; c < field->NumCols(); ++c) {
+          const int x = field->Left() + field->StartCol() + c * field->ColGap();
+          const int y = field->Top() + field->StartRow() + r * field->RowGap();
+          image.draw(Magick::DrawableEllipse(x + 10, y + 7, 10, 7, 0, 360));
+        }
+    }
+    image.write(file.string());
+    return true;
+  } catch (const std::exception& e) {
+    std::cerr << "could not draw " << file.string() << ": " << e.what() << "\n";
+    return false;
+  }
+}
+
+// The exam with its printed page imported as the page image: saved, it becomes a template
+// archive holding the .omr file and the page's .pcx image.
+bool WriteScanned(const std::filesystem::path& file) {
+  auto form = BuildExam();
+  const auto page = form->Pages()->Item(1);
+  const std::filesystem::path png = file.parent_path() / "scanned-page.png";
+  bool ok = DrawPage(page, png) && page->ImageImport(png.string(), 1);
+  std::filesystem::remove(png);
+  if (!ok) std::cerr << "could not import the page image\n";
+  ok = ok && SaveAs(form, file);
+  form->Free();
+  return ok;
+}
+
 int main(int argc, char** argv) {
   const std::filesystem::path folder = argc > 1 ? argv[1] : "examples/templates";
   std::filesystem::create_directories(folder);
@@ -262,5 +308,6 @@ int main(int argc, char** argv) {
     form->Free();
   }
   ok = WriteBatchFile(folder / "batch.rbf") && ok;
+  ok = WriteScanned(folder / "scanned.omr") && ok;
   return ok ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -23,26 +23,76 @@ std::vector<std::string> TemplatesIn(const std::string& folder) {
   return files;
 }
 
-// Reads `file` for editing. When it reads, save → read must give the same tree (as far as a
-// file holds it) and a second save the same bytes. Returns whether it read; never fails the test
-// for a file that does not read.
+// An engine that finds nothing and fails at nothing, so saving a template with page images
+// (which counts their filled pixels) reports nothing on a machine without the real one.
+class QuietEngine : public IRecognitionEngine {
+ public:
+  int16_t LoadImage(const char*, int32_t, int16_t, int16_t, int16_t, int16_t) override { return 0; }
+  int16_t UnloadImage() override { return 0; }
+  int16_t SearchOMRField(int16_t, int16_t, int16_t, int16_t, int16_t&, int16_t&) override {
+    return 0;
+  }
+  int16_t CheckOMRField(int16_t, int16_t, int16_t, int16_t, int16_t, int16_t, int16_t*) override {
+    return 0;
+  }
+  int16_t CheckOMRFieldFill(int16_t, int16_t, int16_t, int16_t, int16_t, int16_t, int16_t*,
+                            int16_t*) override {
+    return 0;
+  }
+  int16_t CheckImageField(int16_t, int16_t, int16_t, int16_t, int32_t&) override { return 0; }
+  int16_t AlignOMRField(int16_t, int16_t, int16_t, int16_t, int16_t, int16_t, int16_t, int16_t&,
+                        int16_t&, int16_t&, int16_t&) override {
+    return 0;
+  }
+  int16_t GetMarkAreas(int16_t, int16_t, int16_t, int16_t, int16_t, int16_t, int16_t, int16_t&,
+                       xunReadArea*) override {
+    return 0;
+  }
+};
+
+// Installs the quiet engine while alive.
+class ScopedQuietEngine {
+ public:
+  ScopedQuietEngine() : previous_(basExterns::SetEngine(std::make_shared<QuietEngine>())) {}
+  ~ScopedQuietEngine() { basExterns::SetEngine(previous_); }
+
+ private:
+  std::shared_ptr<IRecognitionEngine> previous_;
+};
+
+// Reads `file` for editing. When it reads, save (without registering: the regions are not
+// moved by an engine here) → read must give the same tree (as far as a
+// file holds it) and a second save the same bytes; an archive, whose zip headers carry times and
+// random salts, must give the same tree once more instead. Returns whether it read; never fails
+// the test for a file that does not read.
 bool ReadsAndSavesStably(const std::string& file) {
   auto first = clsXUNTemplate::Create();
   if (!first->Read(file, true)) return false;
   testing::TempFolder folder;
-  EXPECT_TRUE(first->Save(folder.File("a.omr"), false));
+  EXPECT_TRUE(first->Save(folder.File("a.omr"), false, nullptr, false));
   auto second = clsXUNTemplate::Create();
   EXPECT_TRUE(second->Read(folder.File("a.omr"), true)) << basTemplate::LastReadDiagnostic().text;
-  EXPECT_EQ(testing::DescribeTree(*second, true), testing::DescribeTree(*first, true));
-  EXPECT_TRUE(second->Save(folder.File("b.omr"), false));
-  EXPECT_EQ(testing::ReadFileBytes(folder.File("a.omr")),
-            testing::ReadFileBytes(folder.File("b.omr")));
+  const std::string saved_tree = testing::DescribeTree(*first, true);
+  EXPECT_EQ(testing::DescribeTree(*second, true), saved_tree);
+  EXPECT_TRUE(second->Save(folder.File("b.omr"), false, nullptr, false));
+  const std::string first_bytes = testing::ReadFileBytes(folder.File("a.omr"));
+  if (first_bytes.rfind("PK", 0) != 0) {
+    EXPECT_EQ(first_bytes, testing::ReadFileBytes(folder.File("b.omr")));
+  } else {
+    auto third = clsXUNTemplate::Create();
+    EXPECT_TRUE(third->Read(folder.File("b.omr"), true));
+    EXPECT_EQ(testing::DescribeTree(*third, true), saved_tree);
+    third->Free();
+  }
+  first->Free();
+  second->Free();
   return true;
 }
 
 TEST(Examples, ReadForReadingAndSaveStably) {
   const auto files = TemplatesIn(XUN_EXAMPLES_DIR);
   ASSERT_GE(files.size(), 2u);
+  ScopedQuietEngine engine;
   for (const std::string& file : files) {
     SCOPED_TRACE(file);
     testing::ScopedHandler handler;
@@ -52,7 +102,25 @@ TEST(Examples, ReadForReadingAndSaveStably) {
     EXPECT_GT(form->NumItems(), 0);
     EXPECT_TRUE(ReadsAndSavesStably(file));
     EXPECT_TRUE(handler.reports().empty()) << handler.reports().front().description;
+    form->Free();
   }
+}
+
+// The scanned exam is an archive: the template and its printed page as the page's own image.
+TEST(Examples, ScannedExamReadsWithItsPageImage) {
+  const std::string file = std::string(XUN_EXAMPLES_DIR) + "/scanned.omr";
+  EXPECT_EQ(testing::ReadFileBytes(file).substr(0, 2), "PK");
+  auto form = clsXUNTemplate::Create();
+  ASSERT_TRUE(form->Read(file, false)) << basTemplate::LastReadDiagnostic().text;
+  const auto page = form->Pages()->Item(1);
+  ASSERT_FALSE(page->ImageFile().empty());
+  EXPECT_EQ(testing::ReadFileBytes(page->ImageFile()).substr(0, 1), "\x0A") << "a PCX image";
+  EXPECT_EQ(page->XDPI(), 100);
+  EXPECT_EQ(page->ImageWidth(), 850);
+  EXPECT_EQ(page->ImageHeight(), 1100);
+  const std::string image = page->ImageFile();
+  form->Free();
+  EXPECT_FALSE(std::filesystem::exists(image)) << "the page's own copy goes with the page";
 }
 
 // The survey carries text Windows-1252 cannot hold, so it must stay UTF-16 through a save.
