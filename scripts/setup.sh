@@ -18,6 +18,10 @@ PACKAGES=(
   libssl-dev         # triple DES for the value cipher
   libicu-dev         # case folding of keys
   libzip-dev         # template archives
+  libcli11-dev       # the xuntemplate command line
+  nlohmann-json3-dev # xuntemplate dump and build
+  chromium           # the xuntemplate render test looks at the SVG in a browser
+  python3            # the render test reads the browser's screenshot
   pkg-config
   ca-certificates
 )

@@ -67,8 +67,8 @@ std::vector<Warning> CollectWarnings(const xun::clsXUNTemplate& t, const Section
       if (choices != codes)
         out.push_back({LineAt(lines.questions, index),
                        "question '" + q->QuestionName() + "' of " + Where(ref) + " has " +
-                           std::to_string(choices) + " choices but " + std::to_string(codes) +
-                           " codes"});
+                           Plural(choices, "choice", "choices") + " but " +
+                           Plural(codes, "code", "codes")});
     }
   }
 

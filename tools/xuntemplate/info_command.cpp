@@ -26,7 +26,8 @@ void PrintInfo(const std::string& path) {
   std::ostream& out = std::cout;
   out << path << ": " << (t->Name().empty() ? "(no name)" : t->Name()) << "\n";
   out << "  File:            " << FileKindName(KindOfFile(path)) << ", version " << t->Version()
-      << ", compatible version " << t->CompatibleVersion() << "\n";
+      << ", compatible version "
+      << (t->CompatibleVersion().empty() ? "not given" : t->CompatibleVersion()) << "\n";
   out << "  Valid for reading: " << ReadableVerdict(path) << "\n";
   PrintSummary(out, *t);
 }

@@ -1,0 +1,148 @@
+#!/usr/bin/env bash
+# End-to-end flows of the tool that take several steps:
+#   flows.sh FLOW TOOL EXAMPLES WORK [CHROMIUM CHECK_PNG]
+# FLOW is one of roundtrip, convert, image, render, batch. WORK is emptied first.
+set -euo pipefail
+flow=$1 tool=$2 examples=$3 work=$4 chromium=${5:-} check_png=${6:-}
+rm -rf "$work" && mkdir -p "$work" && cd "$work"
+
+fail() { echo "FAIL: $*" >&2; exit 1; }
+first_bytes() { head -c "$2" "$1" | od -An -tx1 | tr -d ' \n'; }
+
+# Draws an SVG the way a person would see it, in a browser of its own.
+screenshot() {
+  "$chromium" --headless --no-sandbox --disable-gpu --hide-scrollbars \
+    --user-data-dir="$work/browser" --window-size="$3" --screenshot="$2" "file://$work/$1" \
+    >/dev/null 2>&1 || fail "chromium could not draw $1"
+  [[ -s $2 ]] || fail "chromium wrote no screenshot of $1"
+}
+
+# A 1-bit PCX page at 100 dpi, white with one black square from (500,700) to (700,900).
+make_pcx() {
+  python3 - "$1" <<'PY'
+import struct, sys
+w, h = 850, 1100
+line = (w + 15) // 16 * 2
+head = struct.pack("<BBBBHHHHHH", 10, 5, 1, 1, 0, 0, w - 1, h - 1, 100, 100)
+head += b"\0" * 48 + b"\0" + b"\1" + struct.pack("<HH", line, 1) + b"\0" * 58
+out = bytearray(head)
+for y in range(h):
+    row = bytearray(b"\xff" * line)
+    if 700 <= y < 900:
+        for x in range(500, 700):
+            row[x // 8] &= ~(0x80 >> (x % 8)) & 0xFF
+    for b in row:
+        out += bytes([0xC1, b]) if b >= 0xC0 else bytes([b])
+open(sys.argv[1], "wb").write(out)
+PY
+}
+
+case $flow in
+roundtrip)
+  # dump then build gives an equal template, for every example.
+  for example in "$examples"/*.omr; do
+    name=$(basename "$example" .omr)
+    "$tool" dump "$example" -o "$name.json"
+    "$tool" build "$name.json" -o "$name.omr" >/dev/null
+    "$tool" dump "$name.omr" -o "$name.again.json"
+    cmp -s "$name.json" "$name.again.json" || fail "$name: dump of the built template differs"
+    "$tool" check "$name.omr" >/dev/null || fail "$name: the built template does not check clean"
+  done
+  # A script's minimal document: absent keys keep their defaults.
+  cat >minimal.json <<'JSON'
+{"Format": "xuntemplate", "FormatVersion": 1, "Template": {"PageWidth": 8.5, "PageHeight": 11,
+ "Pages": [{"Regions": [{"FieldName": "Note", "RecognitionType": 4, "Left": 10, "Right": 300,
+   "Top": 10, "Bottom": 60, "Questions": [{"QuestionName": "Note"}]}]}]}}
+JSON
+  "$tool" build minimal.json -o minimal.omr >/dev/null
+  "$tool" check minimal.omr | grep -qx "minimal.omr: ok" || fail "minimal template not clean"
+  # Setting OCR raised the threshold to 70 before the document's own value could be applied.
+  "$tool" dump minimal.omr -o minimal.again.json
+  grep -q '"Threshold": 70' minimal.again.json || fail "OCR threshold not kept"
+  ;;
+convert)
+  cp "$examples/exam.omr" exam.omr
+  # A file the library wrote is already normal: converting it changes no byte, except the
+  # template's Name, which files hold for information only and reading does not take back.
+  "$tool" convert exam.omr same.omr >/dev/null
+  sed 's/^Name=Unit test\r$/Name=\r/' exam.omr >expected.omr
+  cmp -s expected.omr same.omr || fail "convert changed a normal file"
+  rm expected.omr
+  cp same.omr exam.omr
+  "$tool" convert exam.omr wide.omr --encoding utf16 | grep -q "UTF-16LE" || fail "no UTF-16"
+  [[ $(first_bytes wide.omr 2) == fffe ]] || fail "wide.omr has no byte-order mark"
+  "$tool" convert wide.omr narrow.omr --encoding ansi >/dev/null
+  cmp -s exam.omr narrow.omr || fail "UTF-16 and back is not the same file"
+  # In place, with no temporary file or backup left behind.
+  "$tool" convert wide.omr wide.omr >/dev/null
+  [[ $(first_bytes wide.omr 2) == fffe ]] || fail "in-place convert lost the encoding"
+  [[ $(ls | sort | tr '\n' ' ') == "exam.omr narrow.omr same.omr wide.omr " ]] ||
+    fail "convert left files behind: $(ls)"
+  # Text Windows-1252 cannot hold keeps a file UTF-16 even when ANSI is asked for.
+  "$tool" convert "$examples/survey.omr" survey.omr --encoding ansi 2>note.txt >/dev/null
+  grep -q "written as UTF-16LE" note.txt || fail "no note about the kept encoding"
+  ;;
+image)
+  make_pcx page.pcx
+  "$tool" dump "$examples/exam.omr" -o exam.json
+  python3 - <<'PY'
+import json
+doc = json.load(open("exam.json"))
+page = doc["Template"]["Pages"][0]
+page.update(ImageFile="page.pcx", XDPI=100, YDPI=100, ImageWidth=850, ImageHeight=1100)
+json.dump(doc, open("exam.json", "w"), indent=2)
+PY
+  "$tool" build exam.json -o imaged.omr >/dev/null
+  [[ $(first_bytes imaged.omr 2) == 504b ]] || fail "a template with an image is not an archive"
+  "$tool" info imaged.omr | grep -q "page 1: .*; image 850x1100 px at 100x100 dpi" ||
+    fail "info does not show the page image"
+  # The image comes back out byte for byte, and the document names it.
+  "$tool" dump imaged.omr -o out/imaged.json --images out/images
+  cmp -s page.pcx out/images/*.pcx || fail "the extracted image differs"
+  grep -q '"ImageFile": "images/' out/imaged.json || fail "the dump does not name the image"
+  "$tool" build out/imaged.json -o rebuilt.omr >/dev/null
+  [[ $(first_bytes rebuilt.omr 2) == 504b ]] || fail "the rebuilt template lost its image"
+  "$tool" convert imaged.omr converted.omr | grep -q "zip archive" || fail "archive not kept"
+  "$tool" render converted.omr -o page.svg >/dev/null
+  grep -q 'href="data:image/bmp;base64,' page.svg || fail "the SVG has no page image"
+  screenshot page.svg page.png 910,1250
+  # The page starts 30 pixels in from the picture's corner: the black square of the image shows
+  # under nothing, white page around it.
+  python3 "$check_png" page.png --pixel 630,830,000000 --pixel 630,1000,ffffff \
+    --pixel 800,830,ffffff
+  ;;
+render)
+  "$tool" render "$examples/exam.omr" -o exam.svg >/dev/null
+  screenshot exam.svg exam.png 910,1250
+  # Page white inside a grey surround, black outline and timing mark, OMR regions blue with
+  # their bubbles, the form ID barcode orange.
+  python3 "$check_png" exam.png --pixel 10,10,e6e6e6 --pixel 700,1000,ffffff \
+    --pixel 30,600,000000 --pixel 50,70,000000 \
+    --count 1f77b4,800 --count ff7f0e,500 --count 000000,3000
+  "$tool" render "$examples/survey.omr" --page 2 -o survey.svg >/dev/null
+  screenshot survey.svg survey.png 910,1250
+  python3 "$check_png" survey.png --count 9467bd,1000 --count 1f77b4,300
+  ;;
+batch)
+  if ! "$tool" batch write batch.rbf --form "$examples/survey.omr" >/dev/null 2>err.txt; then
+    if grep -q "not available in this build" err.txt; then
+      echo "batch files are not in this build of the library" >&2
+      exit 77
+    fi
+    fail "batch write: $(cat err.txt)"
+  fi
+  "$tool" batch info batch.rbf >info.txt
+  grep -q "Pages:           2" info.txt || fail "merged template: $(cat info.txt)"
+  # A header needs page ID regions, as every member of a batch does.
+  "$tool" batch write bad.rbf --form "$examples/survey.omr" --header "$examples/exam.omr" \
+    >/dev/null
+  if "$tool" batch info bad.rbf >/dev/null 2>err.txt; then fail "merge without page IDs"; fi
+  grep -q "Merge Error: .*page ID regions" err.txt || fail "merge error: $(cat err.txt)"
+  if "$tool" batch write none.rbf --form "$examples/survey.omr" --header missing.omr \
+    2>err.txt; then fail "batch with a missing header"; fi
+  grep -q "Template Does Not Exist" err.txt || fail "missing header: $(cat err.txt)"
+  ;;
+*)
+  fail "unknown flow $flow"
+  ;;
+esac
