@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # End-to-end flows of the tool that take several steps:
 #   flows.sh FLOW TOOL EXAMPLES WORK [CHROMIUM CHECK_PNG]
-# FLOW is one of roundtrip, convert, image, render, batch. WORK is emptied first.
+# FLOW is one of roundtrip, convert, image, render, batch, robust. WORK is emptied first.
 set -euo pipefail
 flow=$1 tool=$2 examples=$3 work=$4 chromium=${5:-} check_png=${6:-}
 rm -rf "$work" && mkdir -p "$work" && cd "$work"
@@ -141,6 +141,43 @@ batch)
   if "$tool" batch write none.rbf --form "$examples/survey.omr" --header missing.omr \
     2>err.txt; then fail "batch with a missing header"; fi
   grep -q "Template Does Not Exist" err.txt || fail "missing header: $(cat err.txt)"
+  ;;
+robust)
+  # Damaged copies of the examples (fixed seed): every command ends with a status of its own,
+  # never a crash or a hang.
+  python3 - "$examples" <<'PY'
+import os, random, sys
+rng = random.Random(91)
+sources = [open(os.path.join(sys.argv[1], n), "rb").read() for n in ("exam.omr", "survey.omr")]
+for i in range(60):
+    data = bytearray(rng.choice(sources))
+    for _ in range(rng.randint(1, 12)):
+        at = rng.randrange(len(data))
+        kind = rng.randrange(4)
+        if kind == 0:
+            data[at] = rng.randrange(256)
+        elif kind == 1:
+            del data[at:at + rng.randint(1, 200)]
+        elif kind == 2:
+            data[at:at] = rng.choice([b"[Field]\r\n", b"[Link]\r\nLinkedFields=9\r\n",
+                                      b"NumRows=32767\r\n", b"ColGap=-5\r\n", b"\r\n",
+                                      b"Left=-32768\r\n", b"[Question]\r\n"])
+        else:
+            data = data[:at]
+            break
+    open(f"damaged{i:02}.omr", "wb").write(bytes(data))
+PY
+  for file in damaged*.omr; do
+    for command in "info $file" "check $file" "dump $file -o out.json" \
+        "render $file -o out.svg" "convert $file out.omr"; do
+      status=0
+      # shellcheck disable=SC2086
+      timeout 20 "$tool" $command >/dev/null 2>err.txt || status=$?
+      ((status <= 2)) || fail "xuntemplate $command ended with status $status: $(cat err.txt)"
+      lines=$(wc -l <err.txt)
+      ((status == 0 || lines <= 1)) || fail "xuntemplate $command: $lines lines of errors"
+    done
+  done
   ;;
 *)
   fail "unknown flow $flow"
