@@ -4,36 +4,17 @@
 
 #include <string>
 
+#include "bench/large_template.h"
 #include "xun/xun.h"
 
 namespace {
 
-constexpr int kPages = 20, kRegions = 50, kQuestions = 30;
+using xun::bench::kPages;
+using xun::bench::kQuestions;
+using xun::bench::kRegions;
 
 std::shared_ptr<xun::clsXUNTemplate> BuildTemplate() {
-  auto t = xun::clsXUNTemplate::Create();
-  for (int p = 1; p <= kPages; ++p) {
-    auto page = xun::clsXUNPage::Create();
-    for (int r = 1; r <= kRegions; ++r) {
-      auto field = xun::clsXUNField::Create();
-      field->FieldName("P" + std::to_string(p) + "R" + std::to_string(r));
-      field->RecognitionType(xun::xunRecogTypeOMR);
-      field->FieldType(xun::xunFieldTypeOMRMult);
-      field->Orient(xun::xunOrientationTypeOMRRow);
-      field->NumRows(kQuestions);
-      field->NumCols(5);
-      for (int q = 1; q <= kQuestions; ++q) {
-        auto question = xun::clsXUNQuestion::Create();
-        question->QuestionName(field->FieldName() + "Q" + std::to_string(q));
-        question->Choices()->AddDelimitedString("A\tB\tC\tD\tE");
-        question->Codes()->AddDelimitedString("1\t2\t3\t4\t5");
-        field->Questions()->Add(question);
-      }
-      page->Fields()->Add(field);
-    }
-    t->Pages()->Add(page);
-  }
-  return t;
+  return xun::bench::BuildLargeTemplate(false);
 }
 
 void BM_Build(benchmark::State& state) {

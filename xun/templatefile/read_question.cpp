@@ -1,5 +1,7 @@
 // The [Question] section: a new question at the end of the current region.
 #include <string>
+#include <string_view>
+#include <unordered_map>
 
 #include "xun/model/template.h"
 #include "xun/support/runtime_error.h"
@@ -38,61 +40,55 @@ bool ReadIdentificationKey(clsXUNQuestion& q, const std::string& key, const std:
   return true;
 }
 
+using QuestionSetter = void (*)(clsXUNQuestion&, const clsXUNTemplate&, const std::string&);
+
+// One hash probe per key line: questions make up nearly all of a large file, and a chain of
+// string comparisons here was most of the time of a read.
+const std::unordered_map<std::string_view, QuestionSetter>& QuestionSetters() {
+  using Q = clsXUNQuestion;
+  using T = clsXUNTemplate;
+  using S = std::string;
+  static const std::unordered_map<std::string_view, QuestionSetter> setters = {
+      {"QUESTIONTEXT", [](Q& q, const T&, const S& v) { q.QuestionText(TextValue(v)); }},
+      {"QUESTIONNAME", [](Q& q, const T& t,
+                          const S& v) { q.QuestionName(TextValue(v, t.IllegalNameCharacters())); }},
+      {"KEY", [](Q& q, const T&, const S& v) { q.Key(TextValue(v)); }},
+      {"TAG", [](Q& q, const T&, const S& v) { q.Tag(TextValue(v)); }},
+      {"CHOICES", [](Q& q, const T& t,
+                     const S& v) { ReadItems(*q.Choices(), v, t.IllegalLabelCharacters()); }},
+      {"CODES",
+       [](Q& q, const T& t, const S& v) { ReadItems(*q.Codes(), v, t.IllegalValueCharacters()); }},
+      {"MULTSALLOWED", [](Q& q, const T&, const S& v) { q.MultsAllowed(Int16Value(v)); }},
+      {"BLANKSFLAG",
+       [](Q& q, const T&, const S& v) { q.BlanksFlag(static_cast<xunBlanksFlag>(Int16Value(v))); }},
+      {"BLANKSRETURN", [](Q& q, const T&, const S& v) { q.BlanksReturn(TextValue(v)); }},
+      {"DUPLICATERETURN", [](Q& q, const T&, const S& v) { q.DuplicateReturn(TextValue(v)); }},
+      {"ERRORRETURN", [](Q& q, const T&, const S& v) { q.ErrorReturn(TextValue(v)); }},
+      {"MULTSRETURN", [](Q& q, const T&, const S& v) { q.MultsReturn(TextValue(v)); }},
+      {"DISCRIMINATE", [](Q& q, const T&, const S& v) { q.Discriminate(FlagValue(v)); }},
+      {"NACHOICE", [](Q& q, const T&, const S& v) { q.NAChoice(Int16Value(v)); }},
+      {"REQUIRED", [](Q& q, const T&, const S& v) { q.Required(FlagValue(v)); }},
+      {"TALLY", [](Q& q, const T&, const S& v) { q.Tally(FlagValue(v)); }},
+      {"GRADE", [](Q& q, const T&, const S& v) { q.Grade(FlagValue(v)); }},
+      {"CORRECT", [](Q& q, const T&, const S& v) { q.Correct(NumberValue(v)); }},
+      {"INCORRECT", [](Q& q, const T&, const S& v) { q.Incorrect(NumberValue(v)); }},
+      {"EXTRACREDIT", [](Q& q, const T&, const S& v) { q.ExtraCredit(FlagValue(v)); }},
+      {"NORESPONSE", [](Q& q, const T&, const S& v) { q.NoResponse(NumberValue(v)); }},
+      {"RESPONDENTID", [](Q& q, const T&, const S& v) { q.RespondentID(FlagValue(v)); }},
+      {"RUBRIC", [](Q& q, const T&, const S& v) { q.Rubric(FlagValue(v)); }},
+      {"SUBJECTIVEFIELD", [](Q& q, const T&, const S& v) { q.SubjectiveField(FlagValue(v)); }},
+      {"SUBJECTIVEPOINTS", [](Q& q, const T&, const S& v) { q.SubjectivePoints(NumberValue(v)); }},
+  };
+  return setters;
+}
+
 void ReadQuestionKey(clsXUNQuestion& q, const clsXUNTemplate& t, const std::string& key,
                      const std::string& value) {
-  if (key == "QUESTIONTEXT") {
-    q.QuestionText(TextValue(value));
-  } else if (key == "QUESTIONNAME") {
-    q.QuestionName(TextValue(value, t.IllegalNameCharacters()));
-  } else if (key == "KEY") {
-    q.Key(TextValue(value));
-  } else if (key == "TAG") {
-    q.Tag(TextValue(value));
-  } else if (key == "CHOICES") {
-    ReadItems(*q.Choices(), value, t.IllegalLabelCharacters());
-  } else if (key == "CODES") {
-    ReadItems(*q.Codes(), value, t.IllegalValueCharacters());
-  } else if (key == "MULTSALLOWED") {
-    q.MultsAllowed(Int16Value(value));
-  } else if (key == "BLANKSFLAG") {
-    q.BlanksFlag(static_cast<xunBlanksFlag>(Int16Value(value)));
-  } else if (key == "BLANKSRETURN") {
-    q.BlanksReturn(TextValue(value));
-  } else if (key == "DUPLICATERETURN") {
-    q.DuplicateReturn(TextValue(value));
-  } else if (key == "ERRORRETURN") {
-    q.ErrorReturn(TextValue(value));
-  } else if (key == "MULTSRETURN") {
-    q.MultsReturn(TextValue(value));
-  } else if (key == "DISCRIMINATE") {
-    q.Discriminate(FlagValue(value));
-  } else if (key == "NACHOICE") {
-    q.NAChoice(Int16Value(value));
-  } else if (key == "REQUIRED") {
-    q.Required(FlagValue(value));
-  } else if (key == "TALLY") {
-    q.Tally(FlagValue(value));
-  } else if (key == "GRADE") {
-    q.Grade(FlagValue(value));
-  } else if (key == "CORRECT") {
-    q.Correct(NumberValue(value));
-  } else if (key == "INCORRECT") {
-    q.Incorrect(NumberValue(value));
-  } else if (key == "EXTRACREDIT") {
-    q.ExtraCredit(FlagValue(value));
-  } else if (key == "NORESPONSE") {
-    q.NoResponse(NumberValue(value));
-  } else if (key == "RESPONDENTID") {
-    q.RespondentID(FlagValue(value));
-  } else if (key == "RUBRIC") {
-    q.Rubric(FlagValue(value));
-  } else if (key == "SUBJECTIVEFIELD") {
-    q.SubjectiveField(FlagValue(value));
-  } else if (key == "SUBJECTIVEPOINTS") {
-    q.SubjectivePoints(NumberValue(value));
-  } else {
+  const auto& setters = QuestionSetters();
+  if (const auto found = setters.find(key); found != setters.end())
+    found->second(q, t, value);
+  else
     ReadIdentificationKey(q, key, value);
-  }
 }
 
 }  // namespace

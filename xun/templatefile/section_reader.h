@@ -3,38 +3,79 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "xun/support/text.h"
+#include "xun/templatefile/clean_text.h"
+
 namespace xun::basTemplate::detail {
 
-// The decoded lines of a file and the line being looked at.
+// Walks the lines of the decoded text in place: a line ends at CR LF, and also at a lone LF or
+// CR; a line end at the very end opens no further line. No table of lines is built, so a read
+// holds the text once and nothing per line.
 class LineCursor {
  public:
-  explicit LineCursor(const std::vector<std::string_view>& lines) : lines_(&lines) {}
-  bool AtEnd() const noexcept { return pos_ >= lines_->size(); }
+  explicit LineCursor(std::string_view text) noexcept : text_(text) { FindLineEnd(); }
+  bool AtEnd() const noexcept { return start_ >= text_.size(); }
   // The current line; empty at the end.
-  std::string_view Current() const noexcept;
+  std::string_view Current() const noexcept {
+    return AtEnd() ? std::string_view() : text_.substr(start_, end_ - start_);
+  }
   // 1-based, as an editor shows it.
-  int32_t LineNumber() const noexcept { return static_cast<int32_t>(pos_) + 1; }
+  int32_t LineNumber() const noexcept { return line_; }
   void Next() noexcept {
-    if (!AtEnd()) ++pos_;
+    if (AtEnd()) return;
+    start_ = end_;
+    if (start_ < text_.size()) {
+      const char ended_by = text_[start_++];
+      if (ended_by == '\r' && start_ < text_.size() && text_[start_] == '\n') ++start_;
+    }
+    ++line_;
+    FindLineEnd();
   }
 
  private:
-  const std::vector<std::string_view>* lines_;
-  size_t pos_ = 0;
+  // A plain loop: find_first_of would call memchr on the set for every byte.
+  void FindLineEnd() noexcept {
+    end_ = start_;
+    while (end_ < text_.size() && text_[end_] != '\r' && text_[end_] != '\n')
+      ++end_;
+  }
+
+  std::string_view text_;
+  size_t start_ = 0, end_ = 0;
+  int32_t line_ = 1;
 };
 
-// Called with the upper-case key and the raw value of each key line; false stops the section.
-using KeyHandler = std::function<bool(const std::string& key, const std::string& value)>;
+// A key upper-cased for matching: ASCII keys (all of the format's own) without a trip through
+// ICU, anything else through text::ToUpper.
+void UpperKey(std::string_view key, std::string& out);
 
 // Reads the key lines after the header the cursor stands on, up to the next line that begins
 // with "[", an empty line or the end of the file, and leaves the cursor on that line. Lines
-// without "=" are skipped. Returns false when the handler stopped the section.
-bool ReadSectionKeys(LineCursor& cursor, const KeyHandler& on_key);
+// without "=" are skipped. `on_key(key, value)` gets the upper-case key and the raw value of each
+// key line (both reused buffers, valid during the call); false stops the section. Returns false
+// when the handler stopped the section.
+template <class OnKey>
+bool ReadSectionKeys(LineCursor& cursor, OnKey&& on_key) {
+  std::string key, value;
+  cursor.Next();
+  while (!cursor.AtEnd()) {
+    const std::string_view line = text::TrimLeft(cursor.Current());
+    if (line.empty() || line.front() == '[') break;
+    const size_t equals = line.find('=');
+    if (equals != std::string_view::npos) {
+      UpperKey(line.substr(0, equals), key);
+      value.assign(line.substr(equals + 1));
+      if (!on_key(static_cast<const std::string&>(key), static_cast<const std::string&>(value)))
+        return false;
+    }
+    cursor.Next();
+  }
+  return true;
+}
 
 // The line as a section header: trimmed and upper-cased ("[FORM]"); empty when it is no header.
 std::string HeaderOf(std::string_view line);
@@ -46,9 +87,5 @@ bool FlagValue(const std::string& value);
 int16_t Int16Value(const std::string& value);
 int32_t Int32Value(const std::string& value);
 std::string TextValue(const std::string& value, const std::string& strip_characters = {});
-
-// CleanTemplateValues, without its copies for a value that has nothing to clean (nearly every
-// value of a file this library wrote).
-std::string CleanText(std::string_view value, bool strip_tabs, const std::string& strip_characters);
 
 }  // namespace xun::basTemplate::detail

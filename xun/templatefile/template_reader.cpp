@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,6 +19,7 @@
 #include "xun/support/zip_archive.h"
 #include "xun/templatefile/archive_password.h"
 #include "xun/templatefile/bas_template.h"
+#include "xun/templatefile/mapped_file.h"
 #include "xun/templatefile/text_decoding.h"
 
 namespace xun::basTemplate {
@@ -52,14 +51,6 @@ class TemporaryCopy {
  private:
   std::string path_;
 };
-
-std::string ReadAllBytes(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) Raise(kErrPermissionDenied);
-  std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  if (in.bad()) Raise(kErrDeviceIO);
-  return bytes;
-}
 
 // A folder of our own for unpacking an archive, removed with everything in it however the read
 // ends.
@@ -169,11 +160,13 @@ bool ReadCopy(const std::string& sTemplateFile, clsXUNTemplate& oTemplate, bool 
   fs::permissions(copy.path(), fs::perms::owner_read | fs::perms::owner_write,
                   fs::perm_options::add, ec);
 
-  std::string bytes = ReadAllBytes(copy.path());
   // A template archive holds the .omr file and the page images; a refused or damaged archive
   // throws, which ReadTemplate turns into the load error.
   std::optional<TemporaryFolder> unpacked;
-  if (zip::LooksLikeZip(bytes)) {
+  // The private copy and, for an archive, the template inside it: files of our own, mapped
+  // rather than read into a buffer.
+  std::optional<detail::MappedFile> file(std::in_place, copy.path());
+  if (zip::LooksLikeZip(file->bytes())) {
     unpacked.emplace();
     zip::ExtractArchive(copy.path(), unpacked->path(), detail::ArchivePassword());
     const std::string inner = FirstTemplateIn(unpacked->path());
@@ -181,17 +174,17 @@ bool ReadCopy(const std::string& sTemplateFile, clsXUNTemplate& oTemplate, bool 
       detail::FailRead(kLoadError, kLoadErrorText, kLocation, 0);
       return false;
     }
-    bytes = ReadAllBytes(inner);
+    file.emplace(inner);
   }
-  const detail::DecodedLines decoded = detail::DecodeTemplateText(bytes);
-  if (decoded.odd_trailing_byte) {
+  const detail::DecodedText decoded = detail::DecodeTemplateText(file->bytes());
+  if (decoded.odd_trailing_byte()) {
     detail::FailRead(kLoadError, kLoadErrorText, kLocation, 0);
     return false;
   }
 
   // A file without a Version key must read as version 0, not keep the object's default.
   xun::detail::TemplateInternals::SetVersion(oTemplate, "");
-  detail::ReaderContext ctx(oTemplate, detail::LineCursor(decoded.lines), bForEdit);
+  detail::ReaderContext ctx(oTemplate, detail::LineCursor(decoded.text()), bForEdit);
   const bool read = Dispatch(ctx);
   // The images are taken even from a read that stopped early: the pages read so far own them,
   // and clearing the template deletes them with the pages.

@@ -1,0 +1,17 @@
+// Every stored property of a template tree as text, one "path.Property=value" per line, so two
+// trees compare with one expectation and a difference names the property that differs.
+#pragma once
+
+#include <string>
+
+#include "xun/xun.h"
+
+namespace xun::testing {
+
+// With `file_view` only what a saved file holds: no keys (a file without them gets fresh ones on
+// every read), no path of a page's own image copy, text trimmed as saving trims it, and for each
+// region only the key groups its kind writes (docs/template-file.md), since values a kind does
+// not use are not saved.
+std::string DescribeTree(const clsXUNTemplate& t, bool file_view = false);
+
+}  // namespace xun::testing

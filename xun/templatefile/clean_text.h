@@ -1,0 +1,13 @@
+// The cleaning of text values that the reader and the writer apply to every value.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace xun::basTemplate::detail {
+
+// CleanTemplateValues, without its copies for a value that has nothing to clean (nearly every
+// value of a file this library wrote).
+std::string CleanText(std::string_view value, bool strip_tabs, const std::string& strip_characters);
+
+}  // namespace xun::basTemplate::detail
