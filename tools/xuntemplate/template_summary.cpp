@@ -92,8 +92,11 @@ void PrintSummary(std::ostream& out, const xun::clsXUNTemplate& t) {
   out << "  Link groups:     " << (groups.empty() ? "none" : std::to_string(groups.size())) << "\n";
   for (const auto& [number, members] : groups) {
     out << "    group " << number << ":";
-    for (const RegionRef& ref : members)
-      out << " " << RegionLabel(ref) << " (page " << ref.page << ")";
+    const char* separator = " ";
+    for (const RegionRef& ref : members) {
+      out << separator << RegionLabel(ref) << " (page " << ref.page << ")";
+      separator = ", ";
+    }
     out << "\n";
   }
 }

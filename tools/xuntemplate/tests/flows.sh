@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # End-to-end flows of the tool that take several steps:
 #   flows.sh FLOW TOOL EXAMPLES WORK [CHROMIUM CHECK_PNG]
-# FLOW is one of roundtrip, convert, image, render, batch, robust. WORK is emptied first.
+# FLOW is one of roundtrip, convert, image, render, checklines, batch, robust. WORK is emptied first.
 set -euo pipefail
 flow=$1 tool=$2 examples=$3 work=$4 chromium=${5:-} check_png=${6:-}
 rm -rf "$work" && mkdir -p "$work" && cd "$work"
@@ -17,23 +17,34 @@ screenshot() {
   [[ -s $2 ]] || fail "chromium wrote no screenshot of $1"
 }
 
-# A 1-bit PCX page at 100 dpi, white with one black square from (500,700) to (700,900).
+# A PCX page at 100 dpi, white with one square from (500,700) to (700,900): black in a 1-bit
+# image, red in a 24-bit one (three planes of 8 bits).
 make_pcx() {
-  python3 - "$1" <<'PY'
+  python3 - "$1" "$2" <<'PY'
 import struct, sys
+path, bits = sys.argv[1], int(sys.argv[2])
 w, h = 850, 1100
-line = (w + 15) // 16 * 2
-head = struct.pack("<BBBBHHHHHH", 10, 5, 1, 1, 0, 0, w - 1, h - 1, 100, 100)
-head += b"\0" * 48 + b"\0" + b"\1" + struct.pack("<HH", line, 1) + b"\0" * 58
+planes = 1 if bits == 1 else 3
+depth = 1 if bits == 1 else 8
+line = (w * depth + 15) // 16 * 2
+head = struct.pack("<BBBBHHHHHH", 10, 5, 1, depth, 0, 0, w - 1, h - 1, 100, 100)
+head += b"\0" * 48 + b"\0" + bytes([planes]) + struct.pack("<HH", line, 1) + b"\0" * 58
 out = bytearray(head)
 for y in range(h):
-    row = bytearray(b"\xff" * line)
-    if 700 <= y < 900:
-        for x in range(500, 700):
-            row[x // 8] &= ~(0x80 >> (x % 8)) & 0xFF
-    for b in row:
-        out += bytes([0xC1, b]) if b >= 0xC0 else bytes([b])
-open(sys.argv[1], "wb").write(out)
+    inside = 700 <= y < 900
+    for plane in range(planes):
+        if bits == 1:
+            row = bytearray(b"\xff" * line)
+            if inside:
+                for x in range(500, 700):
+                    row[x // 8] &= ~(0x80 >> (x % 8)) & 0xFF
+        else:
+            row = bytearray(b"\xff" * line)
+            if inside and plane > 0:  # red keeps its red plane full
+                row[500:700] = b"\0" * 200
+        for b in row:
+            out += bytes([0xC1, b]) if b >= 0xC0 else bytes([b])
+open(path, "wb").write(out)
 PY
 }
 
@@ -83,7 +94,7 @@ convert)
   grep -q "written as UTF-16LE" note.txt || fail "no note about the kept encoding"
   ;;
 image)
-  make_pcx page.pcx
+  make_pcx page.pcx 1
   "$tool" dump "$examples/exam.omr" -o exam.json
   python3 - <<'PY'
 import json
@@ -110,6 +121,13 @@ PY
   # under nothing, white page around it.
   python3 "$check_png" page.png --pixel 630,830,000000 --pixel 630,1000,ffffff \
     --pixel 800,830,ffffff
+  # A colour scan the same way.
+  make_pcx colour.pcx 24
+  sed 's/"page.pcx"/"colour.pcx"/' exam.json >colour.json
+  "$tool" build colour.json -o colour.omr >/dev/null
+  "$tool" render colour.omr -o colour.svg >/dev/null
+  screenshot colour.svg colour.png 910,1250
+  python3 "$check_png" colour.png --pixel 630,830,ff0000 --pixel 630,1000,ffffff
   ;;
 render)
   "$tool" render "$examples/exam.omr" -o exam.svg >/dev/null
@@ -122,6 +140,38 @@ render)
   "$tool" render "$examples/survey.omr" --page 2 -o survey.svg >/dev/null
   screenshot survey.svg survey.png 910,1250
   python3 "$check_png" survey.png --count 9467bd,1000 --count 1f77b4,300
+  # Landscape: wider than high. The link group's red line, the image region green, the
+  # respondent tracker's dashed orange.
+  "$tool" render "$(dirname "$check_png")/data/linked.omr" -o linked.svg >/dev/null
+  screenshot linked.svg linked.png 1160,960
+  python3 "$check_png" linked.png --pixel 1100,500,ffffff --pixel 1140,500,e6e6e6 \
+    --pixel 400,165,d62728 --count d62728,300 --count 2ca02c,1500 --count ff7f0e,800
+  ;;
+checklines)
+  # Warnings name the same lines in a UTF-16 file; an archive has no lines to name.
+  data=$(dirname "$check_png")/data
+  cp "$data/warnings.omr" warnings.omr
+  python3 -c 'import sys; open(sys.argv[2], "wb").write(b"\xff\xfe" + open(sys.argv[1], "rb").read().decode("cp1252").encode("utf-16-le"))' \
+    warnings.omr wide.omr
+  status=0
+  "$tool" check wide.omr >utf16.txt || status=$?
+  ((status == 1)) || fail "check of warnings in UTF-16 ended with $status"
+  "$tool" check warnings.omr >ansi.txt || true
+  sed 's/^warnings.omr:/wide.omr:/' ansi.txt >expected.txt
+  cmp -s expected.txt utf16.txt || fail "UTF-16 lines differ: $(diff expected.txt utf16.txt)"
+  # The same template saved plain and as an archive (it has a page image) warns alike.
+  make_pcx page.pcx 1
+  "$tool" dump warnings.omr -o plain.json
+  "$tool" build plain.json -o plain.omr >/dev/null
+  sed 's/"ImageFile": ""/"ImageFile": "page.pcx"/' plain.json >archive.json
+  "$tool" build archive.json -o archive.omr >/dev/null
+  [[ $(first_bytes archive.omr 2) == 504b ]] || fail "archive.omr is not an archive"
+  "$tool" check plain.omr >plain.txt || true
+  "$tool" check archive.omr >archive.txt || true
+  # Without lines to sort by, the archive's warnings come in the order they were found.
+  sed 's/^plain.omr:[0-9]*:/archive.omr:/' plain.txt | sort >expected.txt
+  sort archive.txt >found.txt
+  cmp -s expected.txt found.txt || fail "archive warnings: $(diff expected.txt found.txt)"
   ;;
 batch)
   if ! "$tool" batch write batch.rbf --form "$examples/survey.omr" >/dev/null 2>err.txt; then
