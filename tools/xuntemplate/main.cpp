@@ -44,7 +44,7 @@ int main(int argc, char** argv) {
     // Failures the library trapped inside a command that still finished, such as a count that
     // overflowed, are worth knowing about.
     for (const auto& failure : session.failures())
-      std::cerr << "xuntemplate: warning: the library reported " << failure << "\n";
+      std::cerr << "xuntemplate: warning: the library reported a failure in " << failure << "\n";
   } catch (const ToolError& e) {
     std::cerr << e.what() << "\n";
     return kExitError;

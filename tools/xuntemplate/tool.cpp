@@ -23,10 +23,16 @@ class RecordingHandler : public xun::IErrorHandler {
                           std::string& sLocation, std::string&, std::string&, std::string&,
                           std::string&, int32_t&, std::string&, std::string&, std::string&,
                           int32_t&) override {
-    if (lKind == xun::basError::kKindRuntime)
-      failures_.push_back(sLocation + ": " + sDescription);
-    else
+    if (lKind == xun::basError::kKindRuntime) {
+      // The full location starts with the product's name, which says nothing here.
+      const std::string prefix = xun::basError::FullLocation("", 0);
+      const std::string where = sLocation.rfind(prefix, 0) == 0 && !prefix.empty()
+                                    ? sLocation.substr(prefix.size())
+                                    : sLocation;
+      failures_.push_back(where + ": " + sDescription);
+    } else {
       refusals_.push_back(sDescription);
+    }
     return xun::Variant(static_cast<int16_t>(0));
   }
 
