@@ -1,7 +1,10 @@
 // xuntemplate: the daily work on form templates from the command line.
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <new>
+#include <string>
+#include <vector>
 
 #include "commands.h"
 #include "tool.h"
@@ -43,8 +46,12 @@ int main(int argc, char** argv) {
     }
     // Failures the library trapped inside a command that still finished, such as a count that
     // overflowed, are worth knowing about.
-    for (const auto& failure : session.failures())
+    std::vector<std::string> said;
+    for (const auto& failure : session.failures()) {
+      if (std::find(said.begin(), said.end(), failure) != said.end()) continue;
+      said.push_back(failure);
       std::cerr << "xuntemplate: warning: the library reported a failure in " << failure << "\n";
+    }
   } catch (const ToolError& e) {
     std::cerr << e.what() << "\n";
     return kExitError;
