@@ -65,24 +65,34 @@ def rgb_of(text):
 def main():
     path, checks = sys.argv[1], sys.argv[2:]
     width, height, channels, rows = decode(path)
-    pixel = lambda x, y: tuple(rows[y][x * channels:x * channels + 3])
-    failures = []
+    failures, pixels, counts = [], [], []
     for flag, value in zip(checks[::2], checks[1::2]):
         if flag == "--pixel":
             x, y, rgb = value.split(",")
-            x, y = int(x), int(y)
-            if not (0 <= x < width and 0 <= y < height):
-                failures.append(f"pixel {x},{y} lies outside the {width}x{height} picture")
-            elif not near(pixel(x, y), rgb_of(rgb)):
-                failures.append(f"pixel {x},{y} is {pixel(x, y)}, expected near #{rgb}")
+            pixels.append((int(x), int(y), rgb))
         elif flag == "--count":
             rgb, minimum = value.split(",")
-            target = rgb_of(rgb)
-            found = sum(1 for y in range(height) for x in range(width) if near(pixel(x, y), target))
-            if found < int(minimum):
-                failures.append(f"{found} pixels near #{rgb}, expected at least {minimum}")
+            counts.append((rgb, rgb_of(rgb), int(minimum)))
         else:
             sys.exit(f"unknown check {flag}")
+    for x, y, rgb in pixels:
+        if not (0 <= x < width and 0 <= y < height):
+            failures.append(f"pixel {x},{y} lies outside the {width}x{height} picture")
+            continue
+        found = tuple(rows[y][x * channels:x * channels + 3])
+        if not near(found, rgb_of(rgb)):
+            failures.append(f"pixel {x},{y} is {found}, expected near #{rgb}")
+    # One pass over the picture for every colour counted.
+    found = [0] * len(counts)
+    for row in rows:
+        for at in range(0, width * channels, channels):
+            r, g, b = row[at], row[at + 1], row[at + 2]
+            for i, (_, (tr, tg, tb), _) in enumerate(counts):
+                if abs(r - tr) <= TOLERANCE and abs(g - tg) <= TOLERANCE and abs(b - tb) <= TOLERANCE:
+                    found[i] += 1
+    for (rgb, _, minimum), n in zip(counts, found):
+        if n < minimum:
+            failures.append(f"{n} pixels near #{rgb}, expected at least {minimum}")
     if failures:
         sys.exit(f"{path}: " + "; ".join(failures))
 
