@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <filesystem>
 
@@ -94,7 +96,13 @@ Json PageImage(const xun::clsXUNPage& page, int32_t number, const DumpOptions& o
   out["HasImage"] = has;
   if (!has || options.images_folder.empty()) return "";
   fs::create_directories(options.images_folder, ec);
-  const std::string stem = page.Key().empty() ? "page" + std::to_string(number) : page.Key();
+  // A key is any text a file held; only a plain one may name a file in the images folder.
+  const std::string& key = page.Key();
+  const bool plain =
+      !key.empty() && key.size() <= 64 && std::all_of(key.begin(), key.end(), [](unsigned char c) {
+        return std::isalnum(c) || c == '-' || c == '_';
+      });
+  const std::string stem = plain ? key : "page" + std::to_string(number);
   const fs::path copy = fs::path(options.images_folder) / (stem + ".pcx");
   fs::copy_file(page.ImageFile(), copy, fs::copy_options::overwrite_existing, ec);
   if (ec) throw ToolError("xuntemplate: error: " + copy.string() + ": " + ec.message());
