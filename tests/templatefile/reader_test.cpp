@@ -258,6 +258,10 @@ INSTANTIATE_TEST_SUITE_P(
                     "in the Template Editor and correct all problems before attempting to open "
                     "the template for reading.\r\n\r\nOperation aborted.",
                     "basTemplate.ReadForm", 2},
+        // A width no Single holds would read as an infinity that no save could write back.
+        FailureCase{"ColumnWidthBeyondSingle",
+                    "[Form]\nVersion=8\nColumnWidth=1e39\n[Page]\n" + std::string(kOmrRegion),
+                    "Load Error", kLoadText, "basTemplate.ReadTemplate", 0},
         FailureCase{"NoVersion", "[Form]\nValid=-1\n[Page]\n" + std::string(kOmrRegion),
                     "Form Error", kReadError + "The template version is unsupported.",
                     "basTemplate.ReadTemplate", 0},

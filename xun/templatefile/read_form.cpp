@@ -49,7 +49,7 @@ bool ReadForm(ReaderContext& ctx) {
         } else if (key == "COLUMNS") {
           t.Columns(Int16Value(value));
         } else if (key == "COLUMNWIDTH") {
-          t.ColumnWidth(static_cast<float>(NumberValue(value)));
+          t.ColumnWidth(SingleValue(value));
         } else if (key == "DESCRIPTION") {
           t.Description(TextValue(value));
         } else if (key == "DUPLEX") {
@@ -71,9 +71,9 @@ bool ReadForm(ReaderContext& ctx) {
         } else if (key == "READTYPE") {
           t.ReadType(static_cast<xunTemplateReadType>(Int16Value(value)));
         } else if (key == "ROWBOTTOMMARGIN") {
-          t.RowBottomMargin(static_cast<float>(NumberValue(value)));
+          t.RowBottomMargin(SingleValue(value));
         } else if (key == "ROWTOPMARGIN") {
-          t.RowTopMargin(static_cast<float>(NumberValue(value)));
+          t.RowTopMargin(SingleValue(value));
         } else if (key == "SELFSCORE") {
           t.SelfScore(FlagValue(value));
         } else if (key == "TAG") {

@@ -21,7 +21,7 @@ bool ReadPage(ReaderContext& ctx) {
       basPublic::StringToDictionary(value, attributes, "\t", "|");
       page->Attributes(attributes);
     } else if (key == "COLUMNWIDTH") {
-      page->ColumnWidth(static_cast<float>(NumberValue(value)));
+      page->ColumnWidth(SingleValue(value));
     } else if (key == "DROPOUTCOLOR") {
       page->DropOutColor(static_cast<xunTemplateDropOutColor>(Int32Value(value)));
     } else if (key == "DROPOUTTHRESHOLD") {

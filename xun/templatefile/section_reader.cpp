@@ -1,22 +1,17 @@
 #include "xun/templatefile/section_reader.h"
 
+#include <cmath>
+#include <limits>
+
 #include "xun/support/numeric.h"
+#include "xun/support/runtime_error.h"
 #include "xun/support/text.h"
 #include "xun/templatefile/bas_template.h"
 
 namespace xun::basTemplate::detail {
 
-void UpperKey(std::string_view key, std::string& out) {
-  key = text::Trim(key);
-  out.assign(key);
-  for (char& c : out) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte >= 0x80) {
-      out = text::ToUpper(key);
-      return;
-    }
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
+void UpperKeyNonAscii(std::string_view key, std::string& out) {
+  out = text::ToUpper(key);
 }
 
 std::string HeaderOf(std::string_view line) {
@@ -27,6 +22,12 @@ std::string HeaderOf(std::string_view line) {
 
 double NumberValue(const std::string& value) {
   return Val(text::Trim(value));
+}
+
+float SingleValue(const std::string& value) {
+  const double number = NumberValue(value);
+  if (std::fabs(number) > std::numeric_limits<float>::max()) Raise(kErrOverflow);
+  return static_cast<float>(number);
 }
 
 bool FlagValue(const std::string& value) {

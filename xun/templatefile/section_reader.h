@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,11 +38,19 @@ class LineCursor {
   }
 
  private:
-  // A plain loop: find_first_of would call memchr on the set for every byte.
+  // memchr finds the LF of a CR LF file with vector instructions; only the part before it is
+  // then searched for a lone CR, which ends a line too.
   void FindLineEnd() noexcept {
-    end_ = start_;
-    while (end_ < text_.size() && text_[end_] != '\r' && text_[end_] != '\n')
-      ++end_;
+    const size_t rest = text_.size() - start_;
+    if (rest == 0) {  // memchr must not see the null data of empty text
+      end_ = start_;
+      return;
+    }
+    const char* begin = text_.data() + start_;
+    const void* lf = std::memchr(begin, '\n', rest);
+    const size_t before_lf = lf ? static_cast<size_t>(static_cast<const char*>(lf) - begin) : rest;
+    const void* cr = std::memchr(begin, '\r', before_lf);
+    end_ = start_ + (cr ? static_cast<size_t>(static_cast<const char*>(cr) - begin) : before_lf);
   }
 
   std::string_view text_;
@@ -49,9 +58,18 @@ class LineCursor {
   int32_t line_ = 1;
 };
 
-// A key upper-cased for matching: ASCII keys (all of the format's own) without a trip through
-// ICU, anything else through text::ToUpper.
-void UpperKey(std::string_view key, std::string& out);
+// A key upper-cased for matching: ASCII keys (all of the format's own) here, without a call
+// per key, anything else through text::ToUpper.
+void UpperKeyNonAscii(std::string_view key, std::string& out);
+inline void UpperKey(std::string_view key, std::string& out) {
+  key = text::Trim(key);
+  out.resize(key.size());
+  for (size_t i = 0; i < key.size(); ++i) {
+    const char c = key[i];
+    if (static_cast<unsigned char>(c) >= 0x80) return UpperKeyNonAscii(key, out);
+    out[i] = (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
+  }
+}
 
 // Reads the key lines after the header the cursor stands on, up to the next line that begins
 // with "[", an empty line or the end of the file, and leaves the cursor on that line. Lines
@@ -83,6 +101,9 @@ std::string HeaderOf(std::string_view line);
 // Value conversions of the file format: the lenient leading number, a flag that is true for
 // any number but 0, 16- and 32-bit whole numbers (error 6 out of range), and cleaned text.
 double NumberValue(const std::string& value);
+// A single-precision number; error 6 beyond its range, as a value the writer could not write
+// back (an infinity) must not be read.
+float SingleValue(const std::string& value);
 bool FlagValue(const std::string& value);
 int16_t Int16Value(const std::string& value);
 int32_t Int32Value(const std::string& value);
