@@ -3,6 +3,7 @@
 // Keys are fresh random UUIDs, so every run gives new keys; the checked-in files are one run.
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -140,6 +141,107 @@ std::shared_ptr<clsXUNTemplate> BuildExam() {
   return form;
 }
 
+void MoveRight(const std::shared_ptr<clsXUNField>& field, int16_t by) {
+  field->Left(static_cast<int16_t>(field->Left() + by));
+  field->Right(static_cast<int16_t>(field->Right() + by));
+}
+
+// One answer sheet whose regions are linked: ten questions of ten choices printed as two blocks
+// of five, and a surname grid printed as two half-alphabets. Each pair answers as one region.
+std::shared_ptr<clsXUNTemplate> BuildLinked() {
+  auto form = clsXUNTemplate::Create();
+  form->Name("Linked answer sheet");
+  form->PageWidth(8.5);
+  form->PageHeight(11);
+  auto page = clsXUNPage::Create();
+  form->Pages()->Add(page);
+  auto first_half = AddBubbles(page, "AnswersAtoE", xun::xunFieldTypeOMRMult,
+                               xun::xunOrientationTypeOMRRow, 10, 5, 100);
+  auto second_half = AddBubbles(page, "AnswersFtoJ", xun::xunFieldTypeOMRMult,
+                                xun::xunOrientationTypeOMRRow, 10, 5, 100);
+  MoveRight(second_half, 300);
+  const char* const labels[] = {"ABCDE", "FGHIJ"};
+  int half = 0;
+  for (const auto& region : {first_half, second_half}) {
+    for (const auto& question : *region->Questions()) {
+      question->Choices()->RemoveAll();
+      for (const char* c = labels[half]; *c; ++c)
+        question->Choices()->Add(std::string(1, *c));
+    }
+    ++half;
+  }
+  auto surname_a = AddBubbles(page, "SurnameAtoM", xun::xunFieldTypeOMRGrid,
+                              xun::xunOrientationTypeOMRCol, 13, 6, 450);
+  auto surname_n = AddBubbles(page, "SurnameNtoZ", xun::xunFieldTypeOMRGrid,
+                              xun::xunOrientationTypeOMRCol, 13, 6, 450);
+  MoveRight(surname_n, 300);
+  for (const auto& question : *surname_n->Questions()) {
+    question->Choices()->RemoveAll();
+    for (char c = 'N'; c <= 'Z'; ++c)
+      question->Choices()->Add(std::string(1, c));
+  }
+  // Linking numbers the codes on from the first region: F to J, and N to Z.
+  if (!page->Link({first_half, second_half}, false) || !page->Link({surname_a, surname_n}, false))
+    return nullptr;
+  return form;
+}
+
+// A page of a batch member: a page ID barcode and one OMR region.
+std::shared_ptr<clsXUNPage> AddBatchPage(const std::shared_ptr<clsXUNTemplate>& form,
+                                         const std::string& page_id, const std::string& region,
+                                         xun::xunFieldType type, int16_t rows, int16_t cols) {
+  auto page = clsXUNPage::Create();
+  form->Pages()->Add(page);
+  AddIDBarcode(page, "PageID", xun::xunIDTypePage, page_id);
+  AddBubbles(page, region, type, xun::xunOrientationTypeOMRRow, rows, cols, 150);
+  return page;
+}
+
+std::shared_ptr<clsXUNTemplate> NewBatchMember(const std::string& name) {
+  auto form = clsXUNTemplate::Create();
+  form->Name(name);
+  form->PageWidth(8.5);
+  form->PageHeight(11);
+  return form;
+}
+
+// The header sheets that precede each quiz in a scanned batch: they carry page IDs but no
+// respondent tracker, which belongs to the form.
+std::shared_ptr<clsXUNTemplate> BuildBatchCover() {
+  auto form = NewBatchMember("Batch cover sheet");
+  AddBatchPage(form, "COVER", "Session", xun::xunFieldTypeOMRMult, 1, 4);
+  return form;
+}
+
+std::shared_ptr<clsXUNTemplate> BuildBatchRoster() {
+  auto form = NewBatchMember("Class roster sheet");
+  AddBatchPage(form, "ROSTER", "Present", xun::xunFieldTypeOMRMult, 5, 2);
+  return form;
+}
+
+// The form of the batch: two pages, the first with the student number as respondent tracker.
+std::shared_ptr<clsXUNTemplate> BuildBatchQuiz() {
+  auto form = NewBatchMember("Weekly quiz");
+  auto first = AddBatchPage(form, "QUIZ-1", "Part1", xun::xunFieldTypeOMRMult, 5, 4);
+  auto student = AddBubbles(first, "Student", xun::xunFieldTypeOMRGrid,
+                            xun::xunOrientationTypeOMRCol, 10, 5, 400, xun::xunDataTypeNumeric);
+  student->Questions()->Item(1)->IDType(xun::xunIDTypeRespondent);
+  student->Questions()->Item(1)->IDAdd(true);
+  AddBatchPage(form, "QUIZ-2", "Part2", xun::xunFieldTypeOMRMult, 5, 4);
+  return form;
+}
+
+// The batch file names its members relative to its own folder, so the example works wherever it
+// is unpacked; SaveBatch would write the full paths of this machine.
+bool WriteBatchFile(const std::filesystem::path& file) {
+  std::ofstream out(file, std::ios::binary | std::ios::trunc);
+  out << "[Template]\r\nName=batch-quiz.omr\r\n"
+         "[Headers]\r\nName=batch-cover.omr\r\nName=batch-roster.omr\r\n";
+  out.close();
+  if (!out) std::cerr << "could not write " << file.string() << "\n";
+  return static_cast<bool>(out);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -147,9 +249,18 @@ int main(int argc, char** argv) {
   std::filesystem::create_directories(folder);
   bool ok = true;
   for (const auto& [name, form] :
-       {std::pair{"survey.omr", BuildSurvey()}, std::pair{"exam.omr", BuildExam()}}) {
+       {std::pair{"survey.omr", BuildSurvey()}, std::pair{"exam.omr", BuildExam()},
+        std::pair{"linked.omr", BuildLinked()}, std::pair{"batch-cover.omr", BuildBatchCover()},
+        std::pair{"batch-roster.omr", BuildBatchRoster()},
+        std::pair{"batch-quiz.omr", BuildBatchQuiz()}}) {
+    if (!form) {
+      std::cerr << "could not build " << name << "\n";
+      ok = false;
+      continue;
+    }
     ok = SaveAs(form, folder / name) && ok;
     form->Free();
   }
+  ok = WriteBatchFile(folder / "batch.rbf") && ok;
   return ok ? EXIT_SUCCESS : EXIT_FAILURE;
 }

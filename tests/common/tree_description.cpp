@@ -69,6 +69,7 @@ class Describer {
     Put(p, "RowTopMargin", t.RowTopMargin());
     Put(p, "RowBottomMargin", t.RowBottomMargin());
     Put(p, "NumItems", t.NumItems());
+    template_column_width_ = t.ColumnWidth();
     int n = 0;
     if (t.Pages())
       for (const auto& page : *t.Pages())
@@ -79,7 +80,10 @@ class Describer {
     PutAttributes(p, page.Attributes());
     PutKey(p, page.Key());
     if (!file_view_) PutText(p, "ImageFile", page.ImageFile());
-    Put(p, "ColumnWidth", page.ColumnWidth());
+    // A page added to a template with width 0 takes the template's width, as every page of a
+    // read is: a 0 a page got later reads back as the template's width.
+    const float width = page.ColumnWidth();
+    Put(p, "ColumnWidth", file_view_ && width == 0 ? template_column_width_ : width);
     PutText(p, "Tag", page.Tag());
     Put(p, "XDPI", page.XDPI());
     Put(p, "YDPI", page.YDPI());
@@ -219,6 +223,7 @@ class Describer {
   bool file_view_;
   std::ostringstream out_;
   std::map<int16_t, size_t> link_groups_;
+  float template_column_width_ = 0;
 };
 
 }  // namespace

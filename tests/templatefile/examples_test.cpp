@@ -67,6 +67,22 @@ TEST(Examples, SurveyKeepsItsNonLatinText) {
   EXPECT_EQ(form->NumPages(), 2);
 }
 
+// The shipped batch names its members relative to its own folder.
+TEST(Examples, BatchReadsIntoOneTemplate) {
+  testing::ScopedHandler handler;
+  auto form = clsXUNTemplate::Create();
+  ASSERT_TRUE(form->ReadBatch(std::string(XUN_EXAMPLES_DIR) + "/batch.rbf", ""));
+  EXPECT_TRUE(handler.reports().empty());
+  std::vector<std::string> page_ids;
+  for (const auto& page : *form->Pages())
+    page_ids.push_back(page->Fields()->Item(1)->Questions()->Item(1)->IDValue());
+  EXPECT_EQ(page_ids, (std::vector<std::string>{"COVER", "ROSTER", "QUIZ-1", "QUIZ-2"}));
+  EXPECT_EQ(form->HeaderItemCount(), 6);  // the session and the five roster rows
+  EXPECT_EQ(form->HeaderCount(), 2);
+  EXPECT_EQ(form->HeaderPageCount(), 2);
+  form->Free();
+}
+
 // Inputs the fuzzer once broke: no crash, and a stable save when they read.
 TEST(Regressions, ReadWithoutCrashAndSaveStably) {
   for (const std::string& file : TemplatesIn(XUN_REGRESSIONS_DIR)) {

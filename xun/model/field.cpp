@@ -273,29 +273,7 @@ std::shared_ptr<clsXUNPage> clsXUNField::Page() const {
   return list ? list->Page() : nullptr;
 }
 
-// Needs the recognition engine and page images, which are not part of this build yet.
-bool clsXUNField::IsRegistered() {
-  return false;
-}
-
-bool clsXUNField::BubbleSearch(int16_t&, int16_t&, int16_t&) {
-  return false;
-}
-
-int16_t clsXUNField::Register() {
-  return 0;
-}
-
-bool clsXUNField::BuildExtra(const std::shared_ptr<clsXUNBubbles>&) {
-  return false;
-}
-
-bool clsXUNField::GetBarcodeType(xunFieldType&, xunOrientationType*) {
-  return false;
-}
-
-bool clsXUNField::Align(int16_t, int16_t) {
-  return false;
-}
+// IsRegistered, BubbleSearch, Register, BuildExtra, GetBarcodeType and Align work on the page
+// image: they live with the rest of the image work in xun/recognition.
 
 }  // namespace xun

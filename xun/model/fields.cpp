@@ -1,5 +1,7 @@
 #include "xun/model/fields.h"
 
+#include <unordered_set>
+
 #include "xun/support/trap.h"
 
 namespace xun {
@@ -47,4 +49,22 @@ void clsXUNFields::Free() {
   });
 }
 
+namespace detail {
+
+void FieldsInternals::Reorder(clsXUNFields& list,
+                              const std::vector<std::shared_ptr<clsXUNField>>& order) {
+  std::unordered_set<const clsXUNField*> wanted;
+  for (const std::shared_ptr<clsXUNField>& field : order)
+    if (!field || field->Fields().get() != &list || !wanted.insert(field.get()).second)
+      Raise(kErrInvalidCall);
+  if (static_cast<int32_t>(wanted.size()) != list.items_.Count()) Raise(kErrInvalidCall);
+  const std::shared_ptr<clsXUNFields> owner = list.SharedFrom(&list);
+  // Taken out and added back under their own keys, which are unique, so nothing can be refused.
+  while (list.items_.Count() > 0)
+    list.items_.Take(list.items_.Count());
+  for (const std::shared_ptr<clsXUNField>& field : order)
+    list.items_.Add(field, owner, std::nullopt, std::nullopt);
+}
+
+}  // namespace detail
 }  // namespace xun

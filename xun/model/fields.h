@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "xun/export.h"
 #include "xun/model/field.h"
@@ -11,6 +12,10 @@
 #include "xun/support/variant.h"
 
 namespace xun {
+
+namespace detail {
+struct FieldsInternals;
+}
 
 class XUN_API clsXUNFields : public Object {
  public:
@@ -33,9 +38,19 @@ class XUN_API clsXUNFields : public Object {
   void Free();
 
  private:
+  friend struct detail::FieldsInternals;
   clsXUNFields() = default;
   std::weak_ptr<clsXUNPage> page_;
   detail::KeyedObjectList<clsXUNField, clsXUNFields> items_;
 };
+
+namespace detail {
+// For region linking, which keeps each link group a run of neighbouring regions.
+struct FieldsInternals {
+  // Puts the list's regions in the given order, without freeing any. `order` must hold exactly
+  // the list's regions; otherwise error 5 and the list is left as it was.
+  static void Reorder(clsXUNFields& list, const std::vector<std::shared_ptr<clsXUNField>>& order);
+};
+}  // namespace detail
 
 }  // namespace xun

@@ -4,6 +4,7 @@
 
 #include "xun/model/item_walk.h"
 #include "xun/support/trap.h"
+#include "xun/templatefile/bas_template.h"
 
 namespace xun {
 
@@ -101,23 +102,8 @@ BoundedArray<std::shared_ptr<clsXUNQuestion>> clsXUNTemplate::GetActualQuestions
 }
 
 int16_t clsXUNTemplate::GetFirstAvailableLinkGroup() const {
-  return Trap("clsXUNTemplate.GetFirstAvailableLinkGroup", int16_t{0}, [&] {
-    std::vector<bool> used;
-    if (pages_)
-      for (const auto& page : *pages_) {
-        if (!page->Fields()) continue;
-        for (const auto& field : *page->Fields()) {
-          const int16_t group = field->LinkGroup();
-          if (group <= 0) continue;
-          if (used.size() <= static_cast<size_t>(group)) used.resize(group + 1, false);
-          used[group] = true;
-        }
-      }
-    int32_t group = 1;
-    while (static_cast<size_t>(group) < used.size() && used[group])
-      ++group;
-    return To16(group);
-  });
+  return Trap("clsXUNTemplate.GetFirstAvailableLinkGroup", int16_t{0},
+              [&] { return basTemplate::NextLink(*this); });
 }
 
 }  // namespace xun

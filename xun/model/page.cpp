@@ -1,5 +1,6 @@
 #include "xun/model/page.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 #include <unordered_map>
@@ -11,6 +12,8 @@
 #include "xun/support/runtime_error.h"
 #include "xun/support/trap.h"
 #include "xun/support/value_helpers.h"
+#include "xun/templatefile/bas_template.h"
+#include "xun/templatefile/link_groups.h"
 
 namespace xun {
 namespace {
@@ -140,11 +143,6 @@ int16_t clsXUNPage::NumIDs(xunIDType eIDType) const {
   });
 }
 
-// Image import needs the image component, which is not part of this build yet.
-bool clsXUNPage::ImageImport(const std::string&, int32_t) {
-  return false;
-}
-
 float clsXUNPage::ColumnWidth() const {
   return Trap("clsXUNPage.ColumnWidth", 0.0f, [&] { return column_width_; });
 }
@@ -211,11 +209,6 @@ std::shared_ptr<clsXUNPage> clsXUNPage::Copy(bool bKeepKey, bool bCopyAttributes
   });
 }
 
-// Page alignment needs the recognition engine, which is not part of this build yet.
-bool clsXUNPage::Align(int16_t, int16_t) {
-  return false;
-}
-
 int16_t clsXUNPage::GetItemIndex(int16_t iFieldIndex, bool bStart) const {
   return Trap("clsXUNPage.GetItemIndex", int16_t{0}, [&] {
     const clsXUNFields& fields = FieldList(fields_);
@@ -265,34 +258,60 @@ int32_t clsXUNPage::ReturnIndex(bool bInTemplate) const {
   });
 }
 
-// Region linking is not built yet.
-bool clsXUNPage::Link(const std::vector<std::shared_ptr<clsXUNField>>&, bool) {
-  return false;
+bool clsXUNPage::Link(const std::vector<std::shared_ptr<clsXUNField>>& oFields, bool bVerbose) {
+  return Trap("clsXUNPage.Link", false,
+              [&] { return basTemplate::LinkOMR(*this, oFields, bVerbose); });
 }
 
-// Region linking is not built yet.
-bool clsXUNPage::UnLink(const std::shared_ptr<clsXUNField>&) {
-  return false;
+bool clsXUNPage::UnLink(const std::shared_ptr<clsXUNField>& oField) {
+  return Trap("clsXUNPage.UnLink", false, [&] {
+    if (!oField) Raise(kErrObjectNotSet);
+    if (!fields_ || oField->Fields() != fields_) Raise(kErrInvalidCall);
+    return basTemplate::detail::LeaveGroup(*this, oField);
+  });
 }
 
-// Region linking is not built yet.
-std::shared_ptr<clsXUNField> clsXUNPage::LinkFirst(int16_t) const {
-  return nullptr;
+std::shared_ptr<clsXUNField> clsXUNPage::LinkFirst(int16_t iLinkGroup) const {
+  return Trap("clsXUNPage.LinkFirst", std::shared_ptr<clsXUNField>(), [&] {
+    const auto members = basTemplate::detail::GroupMembers(*this, iLinkGroup);
+    return members.empty() ? nullptr : members.front();
+  });
 }
 
-// Region linking is not built yet.
-std::shared_ptr<clsXUNField> clsXUNPage::LinkLast(int16_t) const {
-  return nullptr;
+std::shared_ptr<clsXUNField> clsXUNPage::LinkLast(int16_t iLinkGroup) const {
+  return Trap("clsXUNPage.LinkLast", std::shared_ptr<clsXUNField>(), [&] {
+    const auto members = basTemplate::detail::GroupMembers(*this, iLinkGroup);
+    return members.empty() ? nullptr : members.back();
+  });
 }
 
-// Region linking is not built yet.
-std::shared_ptr<clsXUNField> clsXUNPage::LinkNext(const std::shared_ptr<clsXUNField>&) const {
-  return nullptr;
+namespace {
+
+// The region `step` places from `field` within its group on `page`; nullptr past either end, for
+// an unlinked region or for one of another page.
+std::shared_ptr<clsXUNField> GroupNeighbour(const clsXUNPage& page,
+                                            const std::shared_ptr<clsXUNField>& field, int step) {
+  if (!field || field->LinkGroup() < 1) return nullptr;
+  const auto members = basTemplate::detail::GroupMembers(page, field->LinkGroup());
+  const auto at = std::find(members.begin(), members.end(), field);
+  if (at == members.end()) return nullptr;
+  const auto index = (at - members.begin()) + step;
+  if (index < 0 || index >= static_cast<std::ptrdiff_t>(members.size())) return nullptr;
+  return members[static_cast<size_t>(index)];
 }
 
-// Region linking is not built yet.
-std::shared_ptr<clsXUNField> clsXUNPage::LinkPrevious(const std::shared_ptr<clsXUNField>&) const {
-  return nullptr;
+}  // namespace
+
+std::shared_ptr<clsXUNField> clsXUNPage::LinkNext(
+    const std::shared_ptr<clsXUNField>& oField) const {
+  return Trap("clsXUNPage.LinkNext", std::shared_ptr<clsXUNField>(),
+              [&] { return GroupNeighbour(*this, oField, 1); });
+}
+
+std::shared_ptr<clsXUNField> clsXUNPage::LinkPrevious(
+    const std::shared_ptr<clsXUNField>& oField) const {
+  return Trap("clsXUNPage.LinkPrevious", std::shared_ptr<clsXUNField>(),
+              [&] { return GroupNeighbour(*this, oField, -1); });
 }
 
 int16_t clsXUNPage::NumTimingMarks() const {
@@ -302,15 +321,8 @@ int16_t clsXUNPage::NumTimingMarks() const {
   });
 }
 
-// Hybrid registration needs the recognition engine, which is not part of this build yet.
-bool clsXUNPage::RegisterHybrid() {
-  return false;
-}
-
-// Finding timing marks needs the recognition engine, which is not part of this build yet.
-bool clsXUNPage::FindTimingMarks() {
-  return false;
-}
+// ImageImport, Align, FindTimingMarks and RegisterHybrid work on the page image: they live with
+// the rest of the image work in xun/recognition.
 
 std::shared_ptr<clsXUNTemplate> clsXUNPage::Template() const {
   const std::shared_ptr<clsXUNPages> pages = Pages();

@@ -38,6 +38,20 @@ XUN_API bool SaveBatch(const std::string& sBatchTemplate, const std::string& sTe
 XUN_API bool MergeTemplates(const std::vector<std::shared_ptr<clsXUNTemplate>>& oTemplates,
                             clsXUNTemplate& oTarget);
 
+// Links the selected OMR regions of `oPage` into a new link group after checking that they can
+// be linked; a refused link is shown (when bVerbose) and reported, and changes nothing.
+XUN_API bool LinkOMR(clsXUNPage& oPage, const std::vector<std::shared_ptr<clsXUNField>>& oFields,
+                     bool bVerbose = true);
+// The lowest link group number above 0 that no region of the template uses.
+XUN_API int16_t NextLink(const clsXUNTemplate& oTemplate);
+// The same for a region of `oPage`: over its template, or over the page alone when it is in none.
+XUN_API int16_t NextLink(const clsXUNPage& oPage);
+// Renumbers the codes of the group's questions so that they continue from region to region
+// (the rule is in docs/linking.md).
+XUN_API bool ResetCodes(clsXUNPage& oPage, int16_t iLinkGroup);
+// The number of regions of `oPage` in the link group.
+XUN_API int16_t LinkCount(const clsXUNPage& oPage, int16_t iLinkGroup);
+
 // Makes `list` hold exactly `count` items: empty items are appended, surplus items removed from
 // the end.
 XUN_API void ForceNumItems(const std::shared_ptr<clsXUNStringItems>& list, int32_t count);

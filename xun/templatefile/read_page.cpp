@@ -27,7 +27,7 @@ bool ReadPage(ReaderContext& ctx) {
     } else if (key == "DROPOUTTHRESHOLD") {
       page->DropOutThreshold(Int16Value(value));
     } else if (key == "KEY") {
-      page->Key(TextValue(value));
+      page->Key(KeyValue(value));
     } else if (key == "TAG") {
       page->Tag(TextValue(value));
     } else if (key == "TIMINGMARKS") {

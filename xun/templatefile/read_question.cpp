@@ -52,7 +52,7 @@ const std::unordered_map<std::string_view, QuestionSetter>& QuestionSetters() {
       {"QUESTIONTEXT", [](Q& q, const T&, const S& v) { q.QuestionText(TextValue(v)); }},
       {"QUESTIONNAME", [](Q& q, const T& t,
                           const S& v) { q.QuestionName(TextValue(v, t.IllegalNameCharacters())); }},
-      {"KEY", [](Q& q, const T&, const S& v) { q.Key(TextValue(v)); }},
+      {"KEY", [](Q& q, const T&, const S& v) { q.Key(KeyValue(v)); }},
       {"TAG", [](Q& q, const T&, const S& v) { q.Tag(TextValue(v)); }},
       {"CHOICES", [](Q& q, const T& t,
                      const S& v) { ReadItems(*q.Choices(), v, t.IllegalLabelCharacters()); }},

@@ -88,7 +88,7 @@ void ReadRegionKey(clsXUNField& f, RegionCarriedValues& carried, const std::stri
   } else if (key == "READ") {
     f.Read(FlagValue(value));
   } else if (key == "KEY") {
-    f.Key(TextValue(value));
+    f.Key(KeyValue(value));
   } else if (key == "TAG") {
     f.Tag(TextValue(value));
   } else if (key == "EXTRA") {

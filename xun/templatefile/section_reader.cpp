@@ -46,4 +46,8 @@ std::string TextValue(const std::string& value, const std::string& strip_charact
   return CleanText(value, true, strip_characters);
 }
 
+std::string KeyValue(const std::string& value) {
+  return std::string(text::Trim(TextValue(value)));
+}
+
 }  // namespace xun::basTemplate::detail

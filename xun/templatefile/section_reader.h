@@ -108,5 +108,9 @@ bool FlagValue(const std::string& value);
 int16_t Int16Value(const std::string& value);
 int32_t Int32Value(const std::string& value);
 std::string TextValue(const std::string& value, const std::string& strip_characters = {});
+// An object's key: cleaned text, trimmed again. The cleaner trims before it turns tabs into
+// blanks, so "K<tab>" would be "K " here but "K" once saved; two keys that differ only so would
+// then collide on the next read, and the collision would cost one of them its key.
+std::string KeyValue(const std::string& value);
 
 }  // namespace xun::basTemplate::detail

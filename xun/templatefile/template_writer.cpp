@@ -11,6 +11,7 @@
 #include "xun/model/pages.h"
 #include "xun/model/question.h"
 #include "xun/model/template.h"
+#include "xun/recognition/save_registration.h"
 #include "xun/support/file_helpers.h"
 #include "xun/support/runtime_error.h"
 #include "xun/support/text.h"
@@ -181,12 +182,11 @@ std::string FileContent(const std::string& target, const clsXUNTemplate& form,
 
 bool SaveTemplate(const std::string& sTemplateFile, clsXUNTemplate& oTemplate, bool bVerbose,
                   bool* bInvalid, bool bRegister) {
-  (void)bVerbose;  // every message of this routine belongs to registration (see below)
   return Trap("basTemplate.SaveTemplate", false, [&] {
     StoreIdentificationSummary(oTemplate);
-    // Registering regions against the page images needs the recognition engine, which this
-    // build does not include; bRegister is accepted and nothing is registered.
-    (void)bRegister;
+    // Registers the regions (when asked) and counts each page image's filled pixels, one load
+    // per page. What could not be registered is reported; validity stays the file's own rule.
+    xun::detail::RegisterForSave(oTemplate, bRegister, bVerbose);
 
     const bool valid = TemplateIsValid(oTemplate);
     xun::detail::TemplateInternals::SetValid(oTemplate, valid);

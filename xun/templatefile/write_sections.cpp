@@ -139,7 +139,11 @@ void WriteFormSection(TemplateText& out, const clsXUNTemplate& form, bool valid)
 void WritePageSection(TemplateText& out, const clsXUNPage& page) {
   out.Section("[Page]");
   out.Raw("Attributes", AttributeLine(page.Attributes()));
-  out.Number("ColumnWidth", page.ColumnWidth());
+  // A page with width 0 takes the template's: written so, it reads back as it was used (a page
+  // read with 0 would take the template's width as it is added, so a save would not be stable).
+  const float own_width = page.ColumnWidth();
+  const std::shared_ptr<clsXUNTemplate> owner = own_width == 0 ? page.Template() : nullptr;
+  out.Number("ColumnWidth", owner ? owner->ColumnWidth() : own_width);
   out.Int("DropOutColor", page.DropOutColor());
   out.Int("DropOutThreshold", page.DropOutThreshold());
   out.Text("Key", page.Key());
