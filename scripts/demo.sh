@@ -1,9 +1,12 @@
 #!/usr/bin/env bash
-# Builds the library and the demo, then runs the demo.
+# Builds the library and the xuntemplate tool, then describes an example template and draws its
+# page as build/<name>.svg (open it in a browser). An argument picks another template.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 ./scripts/setup.sh
 cmake -S . -B build -G Ninja -DXUN_BUILD_TOOLS=ON
-cmake --build build --target xundemo
-exec build/examples/demo/xundemo "$@"
+cmake --build build --target xuntemplate
+template=${1:-examples/templates/exam.omr}
+build/tools/xuntemplate/xuntemplate info "$template"
+build/tools/xuntemplate/xuntemplate render "$template" -o "build/$(basename "$template" .omr).svg"

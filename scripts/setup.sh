@@ -21,6 +21,10 @@ PACKAGES=(
   libgraphicsmagick1-dev    # page images: TIFF, PNG, JPEG, PCX, DCX in, PCX out
   libgraphicsmagick++1-dev  # the recognition tests draw their page images with it
   libzxing-dev       # barcode type detection; the tests draw barcodes with it
+  libcli11-dev       # the xuntemplate command line
+  nlohmann-json3-dev # xuntemplate dump and build
+  chromium           # the xuntemplate render test looks at the SVG in a browser
+  python3            # the render test reads the browser's screenshot
   pkg-config
   ca-certificates
 )

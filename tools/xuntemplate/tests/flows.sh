@@ -1,0 +1,229 @@
+#!/usr/bin/env bash
+# End-to-end flows of the tool that take several steps:
+#   flows.sh FLOW TOOL EXAMPLES WORK [CHROMIUM CHECK_PNG]
+# FLOW is one of roundtrip, convert, image, render, checklines, batch, robust. WORK is emptied first.
+set -euo pipefail
+flow=$1 tool=$2 examples=$3 work=$4 chromium=${5:-} check_png=${6:-}
+rm -rf "$work" && mkdir -p "$work" && cd "$work"
+
+fail() { echo "FAIL: $*" >&2; exit 1; }
+first_bytes() { head -c "$2" "$1" | od -An -tx1 | tr -d ' \n'; }
+
+# Draws an SVG the way a person would see it, in a browser of its own.
+screenshot() {
+  "$chromium" --headless --no-sandbox --disable-gpu --hide-scrollbars \
+    --user-data-dir="$work/browser" --window-size="$3" --screenshot="$2" "file://$work/$1" \
+    >/dev/null 2>&1 || fail "chromium could not draw $1"
+  [[ -s $2 ]] || fail "chromium wrote no screenshot of $1"
+}
+
+# A PCX page at 100 dpi, white with one square from (500,700) to (700,900): black in a 1-bit
+# image, red in a 24-bit one (three planes of 8 bits).
+make_pcx() {
+  python3 - "$1" "$2" <<'PY'
+import struct, sys
+path, bits = sys.argv[1], int(sys.argv[2])
+w, h = 850, 1100
+planes = 1 if bits == 1 else 3
+depth = 1 if bits == 1 else 8
+line = (w * depth + 15) // 16 * 2
+head = struct.pack("<BBBBHHHHHH", 10, 5, 1, depth, 0, 0, w - 1, h - 1, 100, 100)
+head += b"\0" * 48 + b"\0" + bytes([planes]) + struct.pack("<HH", line, 1) + b"\0" * 58
+out = bytearray(head)
+for y in range(h):
+    inside = 700 <= y < 900
+    for plane in range(planes):
+        if bits == 1:
+            row = bytearray(b"\xff" * line)
+            if inside:
+                for x in range(500, 700):
+                    row[x // 8] &= ~(0x80 >> (x % 8)) & 0xFF
+        else:
+            row = bytearray(b"\xff" * line)
+            if inside and plane > 0:  # red keeps its red plane full
+                row[500:700] = b"\0" * 200
+        for b in row:
+            out += bytes([0xC1, b]) if b >= 0xC0 else bytes([b])
+open(path, "wb").write(out)
+PY
+}
+
+case $flow in
+roundtrip)
+  # dump then build gives an equal template, for every example.
+  for example in "$examples"/*.omr; do
+    name=$(basename "$example" .omr)
+    "$tool" dump "$example" -o "$name.json"
+    "$tool" build "$name.json" -o "$name.omr" >/dev/null
+    "$tool" dump "$name.omr" -o "$name.again.json"
+    cmp -s "$name.json" "$name.again.json" || fail "$name: dump of the built template differs"
+    "$tool" check "$name.omr" >/dev/null || fail "$name: the built template does not check clean"
+  done
+  # A script's minimal document: absent keys keep their defaults.
+  cat >minimal.json <<'JSON'
+{"Format": "xuntemplate", "FormatVersion": 1, "Template": {"PageWidth": 8.5, "PageHeight": 11,
+ "Pages": [{"Regions": [{"FieldName": "Note", "RecognitionType": 4, "Left": 10, "Right": 300,
+   "Top": 10, "Bottom": 60, "Questions": [{"QuestionName": "Note"}]}]}]}}
+JSON
+  "$tool" build minimal.json -o minimal.omr >/dev/null
+  "$tool" check minimal.omr | grep -qx "minimal.omr: ok" || fail "minimal template not clean"
+  # Setting OCR raised the threshold to 70 before the document's own value could be applied.
+  "$tool" dump minimal.omr -o minimal.again.json
+  grep -q '"Threshold": 70' minimal.again.json || fail "OCR threshold not kept"
+  ;;
+convert)
+  cp "$examples/exam.omr" exam.omr
+  # A file the library wrote is already normal: converting it changes no byte, except the
+  # template's Name, which files hold for information only and reading does not take back.
+  "$tool" convert exam.omr same.omr >/dev/null
+  sed 's/^Name=Unit test\r$/Name=\r/' exam.omr >expected.omr
+  cmp -s expected.omr same.omr || fail "convert changed a normal file"
+  rm expected.omr
+  cp same.omr exam.omr
+  "$tool" convert exam.omr wide.omr --encoding utf16 | grep -q "UTF-16LE" || fail "no UTF-16"
+  [[ $(first_bytes wide.omr 2) == fffe ]] || fail "wide.omr has no byte-order mark"
+  "$tool" convert wide.omr narrow.omr --encoding ansi >/dev/null
+  cmp -s exam.omr narrow.omr || fail "UTF-16 and back is not the same file"
+  # In place, with no temporary file or backup left behind.
+  "$tool" convert wide.omr wide.omr >/dev/null
+  [[ $(first_bytes wide.omr 2) == fffe ]] || fail "in-place convert lost the encoding"
+  [[ $(ls | sort | tr '\n' ' ') == "exam.omr narrow.omr same.omr wide.omr " ]] ||
+    fail "convert left files behind: $(ls)"
+  # Text Windows-1252 cannot hold keeps a file UTF-16 even when ANSI is asked for.
+  "$tool" convert "$examples/survey.omr" survey.omr --encoding ansi 2>note.txt >/dev/null
+  grep -q "written as UTF-16LE" note.txt || fail "no note about the kept encoding"
+  ;;
+image)
+  make_pcx page.pcx 1
+  "$tool" dump "$examples/exam.omr" -o exam.json
+  python3 - <<'PY'
+import json
+doc = json.load(open("exam.json"))
+page = doc["Template"]["Pages"][0]
+page.update(ImageFile="page.pcx", XDPI=100, YDPI=100, ImageWidth=850, ImageHeight=1100)
+json.dump(doc, open("exam.json", "w"), indent=2)
+PY
+  "$tool" build exam.json -o imaged.omr >/dev/null
+  [[ $(first_bytes imaged.omr 2) == 504b ]] || fail "a template with an image is not an archive"
+  "$tool" info imaged.omr | grep -q "page 1: .*; image 850x1100 px at 100x100 dpi" ||
+    fail "info does not show the page image"
+  # The image comes back out byte for byte, and the document names it.
+  "$tool" dump imaged.omr -o out/imaged.json --images out/images
+  cmp -s page.pcx out/images/*.pcx || fail "the extracted image differs"
+  grep -q '"ImageFile": "images/' out/imaged.json || fail "the dump does not name the image"
+  "$tool" build out/imaged.json -o rebuilt.omr >/dev/null
+  [[ $(first_bytes rebuilt.omr 2) == 504b ]] || fail "the rebuilt template lost its image"
+  "$tool" convert imaged.omr converted.omr | grep -q "zip archive" || fail "archive not kept"
+  "$tool" render converted.omr -o page.svg >/dev/null
+  grep -q 'href="data:image/bmp;base64,' page.svg || fail "the SVG has no page image"
+  screenshot page.svg page.png 910,1250
+  # The page starts 30 pixels in from the picture's corner: the black square of the image shows
+  # under nothing, white page around it.
+  python3 "$check_png" page.png --pixel 630,830,000000 --pixel 630,1000,ffffff \
+    --pixel 800,830,ffffff
+  # A colour scan the same way.
+  make_pcx colour.pcx 24
+  sed 's/"page.pcx"/"colour.pcx"/' exam.json >colour.json
+  "$tool" build colour.json -o colour.omr >/dev/null
+  "$tool" render colour.omr -o colour.svg >/dev/null
+  screenshot colour.svg colour.png 910,1250
+  python3 "$check_png" colour.png --pixel 630,830,ff0000 --pixel 630,1000,ffffff
+  ;;
+render)
+  "$tool" render "$examples/exam.omr" -o exam.svg >/dev/null
+  screenshot exam.svg exam.png 910,1250
+  # Page white inside a grey surround, black outline and timing mark, OMR regions blue with
+  # their bubbles, the form ID barcode orange.
+  python3 "$check_png" exam.png --pixel 10,10,e6e6e6 --pixel 700,1000,ffffff \
+    --pixel 30,600,000000 --pixel 50,70,000000 \
+    --count 1f77b4,800 --count ff7f0e,500 --count 000000,3000
+  "$tool" render "$examples/survey.omr" --page 2 -o survey.svg >/dev/null
+  screenshot survey.svg survey.png 910,1250
+  python3 "$check_png" survey.png --count 9467bd,1000 --count 1f77b4,300
+  # Landscape: wider than high. The link group's red line, the image region green, the
+  # respondent tracker's dashed orange.
+  "$tool" render "$(dirname "$check_png")/data/linked.omr" -o linked.svg >/dev/null
+  screenshot linked.svg linked.png 1160,960
+  python3 "$check_png" linked.png --pixel 1100,500,ffffff --pixel 1140,500,e6e6e6 \
+    --pixel 400,165,d62728 --count d62728,300 --count 2ca02c,1500 --count ff7f0e,800
+  ;;
+checklines)
+  # Warnings name the same lines in a UTF-16 file; an archive has no lines to name.
+  data=$(dirname "$check_png")/data
+  cp "$data/warnings.omr" warnings.omr
+  python3 -c 'import sys; open(sys.argv[2], "wb").write(b"\xff\xfe" + open(sys.argv[1], "rb").read().decode("cp1252").encode("utf-16-le"))' \
+    warnings.omr wide.omr
+  status=0
+  "$tool" check wide.omr >utf16.txt || status=$?
+  ((status == 1)) || fail "check of warnings in UTF-16 ended with $status"
+  "$tool" check warnings.omr >ansi.txt || true
+  sed 's/^warnings.omr:/wide.omr:/' ansi.txt >expected.txt
+  cmp -s expected.txt utf16.txt || fail "UTF-16 lines differ: $(diff expected.txt utf16.txt)"
+  # The same template saved plain and as an archive (it has a page image) warns alike.
+  make_pcx page.pcx 1
+  "$tool" dump warnings.omr -o plain.json
+  "$tool" build plain.json -o plain.omr >/dev/null
+  sed 's/"ImageFile": ""/"ImageFile": "page.pcx"/' plain.json >archive.json
+  "$tool" build archive.json -o archive.omr >/dev/null
+  [[ $(first_bytes archive.omr 2) == 504b ]] || fail "archive.omr is not an archive"
+  "$tool" check plain.omr >plain.txt || true
+  "$tool" check archive.omr >archive.txt || true
+  # Without lines to sort by, the archive's warnings come in the order they were found.
+  sed 's/^plain.omr:[0-9]*:/archive.omr:/' plain.txt | sort >expected.txt
+  sort archive.txt >found.txt
+  cmp -s expected.txt found.txt || fail "archive warnings: $(diff expected.txt found.txt)"
+  ;;
+batch)
+  "$tool" batch write batch.rbf --form "$examples/survey.omr" >/dev/null
+  "$tool" batch info batch.rbf >info.txt
+  grep -q "Pages:           2" info.txt || fail "merged template: $(cat info.txt)"
+  # A header needs page ID regions, as every member of a batch does.
+  "$tool" batch write bad.rbf --form "$examples/survey.omr" --header "$examples/exam.omr" \
+    >/dev/null
+  if "$tool" batch info bad.rbf >/dev/null 2>err.txt; then fail "merge without page IDs"; fi
+  grep -q "Merge Error: .*page ID regions" err.txt || fail "merge error: $(cat err.txt)"
+  if "$tool" batch write none.rbf --form "$examples/survey.omr" --header missing.omr \
+    2>err.txt; then fail "batch with a missing header"; fi
+  grep -q "Template Does Not Exist" err.txt || fail "missing header: $(cat err.txt)"
+  ;;
+robust)
+  # Damaged copies of the examples (fixed seed): every command ends with a status of its own,
+  # never a crash or a hang.
+  python3 - "$examples" <<'PY'
+import os, random, sys
+rng = random.Random(91)
+sources = [open(os.path.join(sys.argv[1], n), "rb").read() for n in ("exam.omr", "survey.omr")]
+for i in range(60):
+    data = bytearray(rng.choice(sources))
+    for _ in range(rng.randint(1, 12)):
+        at = rng.randrange(len(data))
+        kind = rng.randrange(4)
+        if kind == 0:
+            data[at] = rng.randrange(256)
+        elif kind == 1:
+            del data[at:at + rng.randint(1, 200)]
+        elif kind == 2:
+            data[at:at] = rng.choice([b"[Field]\r\n", b"[Link]\r\nLinkedFields=9\r\n",
+                                      b"NumRows=32767\r\n", b"ColGap=-5\r\n", b"\r\n",
+                                      b"Left=-32768\r\n", b"[Question]\r\n"])
+        else:
+            data = data[:at]
+            break
+    open(f"damaged{i:02}.omr", "wb").write(bytes(data))
+PY
+  for file in damaged*.omr; do
+    for command in "info $file" "check $file" "dump $file -o out.json" \
+        "render $file -o out.svg" "convert $file out.omr"; do
+      status=0
+      # shellcheck disable=SC2086
+      timeout 20 "$tool" $command >/dev/null 2>err.txt || status=$?
+      ((status <= 2)) || fail "xuntemplate $command ended with status $status: $(cat err.txt)"
+      lines=$(wc -l <err.txt)
+      ((status == 0 || lines <= 1)) || fail "xuntemplate $command: $lines lines of errors"
+    done
+  done
+  ;;
+*)
+  fail "unknown flow $flow"
+  ;;
+esac
