@@ -19,7 +19,7 @@ PACKAGES=(
   libicu-dev         # case folding of keys
   libzip-dev         # template archives
   libgraphicsmagick1-dev    # page images: TIFF, PNG, JPEG, PCX, DCX in, PCX out
-  libgraphicsmagick++1-dev  # the recognition tests draw their page images with it
+  libgraphicsmagick++1-dev  # the recognition tests and make_examples draw page images with it
   libzxing-dev       # barcode type detection; the tests draw barcodes with it
   libcli11-dev       # the xuntemplate command line
   nlohmann-json3-dev # xuntemplate dump and build

@@ -35,7 +35,7 @@ cmake --build build
 
 echo "== sanitizer build (clang++, ASan + UBSan)"
 CXX=clang++ cmake -S . -B build-sanitize -G Ninja -DXUN_SANITIZE=ON -DXUN_WERROR=ON \
-  -DXUN_BUILD_TESTS=ON -DXUN_BUILD_BENCH=OFF -DXUN_BUILD_TOOLS=OFF
+  -DXUN_BUILD_TESTS=ON -DXUN_BUILD_BENCH=OFF -DXUN_BUILD_TOOLS=ON
 cmake --build build-sanitize
 (cd build-sanitize &&
   ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:strict_string_checks=1 \
