@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -65,6 +66,18 @@ TempFolder::TempFolder() {
 TempFolder::~TempFolder() {
   std::error_code ec;
   std::filesystem::remove_all(path_, ec);
+}
+
+ScopedTmpdir::ScopedTmpdir(const std::string& folder) {
+  if (const char* old = std::getenv("TMPDIR")) previous_ = old;
+  ::setenv("TMPDIR", folder.c_str(), 1);
+}
+
+ScopedTmpdir::~ScopedTmpdir() {
+  if (previous_)
+    ::setenv("TMPDIR", previous_->c_str(), 1);
+  else
+    ::unsetenv("TMPDIR");
 }
 
 std::string ReadFileBytes(const std::string& path) {

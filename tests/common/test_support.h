@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -84,6 +85,19 @@ class TempFolder {
 
  private:
   std::string path_;
+};
+
+// Points TMPDIR, and with it the library's temporary folder, at `folder` while alive, so a test
+// sees every temporary file the library leaves there and nothing of tests running beside it.
+class ScopedTmpdir {
+ public:
+  explicit ScopedTmpdir(const std::string& folder);
+  ~ScopedTmpdir();
+  ScopedTmpdir(const ScopedTmpdir&) = delete;
+  ScopedTmpdir& operator=(const ScopedTmpdir&) = delete;
+
+ private:
+  std::optional<std::string> previous_;
 };
 
 std::string ReadFileBytes(const std::string& path);

@@ -32,17 +32,11 @@ constexpr const char* kTemplateText =
 class ArchiveTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    if (const char* old = std::getenv("TMPDIR")) old_tmpdir_ = old;
     temp_ = outer_.File("tmp");
     fs::create_directory(temp_);
-    setenv("TMPDIR", temp_.c_str(), 1);
+    tmpdir_.emplace(temp_);
   }
-  void TearDown() override {
-    if (old_tmpdir_)
-      setenv("TMPDIR", old_tmpdir_->c_str(), 1);
-    else
-      unsetenv("TMPDIR");
-  }
+  void TearDown() override { tmpdir_.reset(); }
 
   // Everything below the folder holding the files under test and the temporary folder.
   std::set<std::string> Listing() const {
@@ -54,7 +48,7 @@ class ArchiveTest : public ::testing::Test {
 
   TempFolder outer_;  // files of the test live here; the library's temporary folder is inside
   std::string temp_;
-  std::optional<std::string> old_tmpdir_;
+  std::optional<testing::ScopedTmpdir> tmpdir_;
 };
 
 std::string PseudoImage(size_t size, unsigned seed) {

@@ -282,14 +282,7 @@ TEST_F(Batch, RefusedMergeLeavesNothingBehind) {
                                      {folder.File("head.omr")}));
 
   testing::TempFolder private_tmp;
-  const char* old_tmpdir = std::getenv("TMPDIR");
-  const std::string kept = old_tmpdir ? old_tmpdir : "";
-  ::setenv("TMPDIR", private_tmp.path().c_str(), 1);
-  struct RestoreTmpdir {
-    const char* old;
-    std::string value;
-    ~RestoreTmpdir() { old ? ::setenv("TMPDIR", value.c_str(), 1) : ::unsetenv("TMPDIR"); }
-  } restore{old_tmpdir, kept};
+  const testing::ScopedTmpdir tmpdir(private_tmp.path());
 
   auto form = Member("Kept", 1);
   testing::ScopedMessageCapture messages;

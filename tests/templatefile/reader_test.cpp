@@ -184,14 +184,7 @@ TEST(ReadTemplate, LeavesNoTemporaryCopy) {
   ScopedMessageCapture messages;
   // A private temporary folder: tests running in parallel make and remove their own copies.
   testing::TempFolder private_tmp;
-  const char* old_tmpdir = std::getenv("TMPDIR");
-  const std::string kept = old_tmpdir ? old_tmpdir : "";
-  ::setenv("TMPDIR", private_tmp.path().c_str(), 1);
-  struct RestoreTmpdir {
-    const char* old;
-    std::string value;
-    ~RestoreTmpdir() { old ? ::setenv("TMPDIR", value.c_str(), 1) : ::unsetenv("TMPDIR"); }
-  } restore{old_tmpdir, kept};
+  const testing::ScopedTmpdir tmpdir(private_tmp.path());
   auto omr_files = [] {
     std::set<std::string> names;
     for (const auto& entry :

@@ -1,6 +1,5 @@
 // `xuntemplate dump FILE`: the whole tree as JSON.
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 
 #include "commands.h"
@@ -28,10 +27,7 @@ void Dump(const DumpArgs& args) {
     std::cout << text;
     return;
   }
-  std::ofstream out(args.output, std::ios::binary);
-  out << text;
-  out.close();
-  if (!out) throw ToolError("xuntemplate: error: " + args.output + ": cannot be written");
+  WriteOutputFile(args.output, text);
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
 // `xuntemplate render FILE -o OUT.svg`: one page drawn as SVG.
-#include <fstream>
 #include <iostream>
 
 #include "commands.h"
@@ -23,10 +22,7 @@ void Render(const RenderArgs& args) {
                     " does not exist (the template has " + Plural(pages, "page", "pages") + ")");
   std::vector<std::string> notes;
   const std::string svg = RenderPageSvg(*t, args.page, notes);
-  std::ofstream out(args.output, std::ios::binary);
-  out << svg;
-  out.close();
-  if (!out) throw ToolError("xuntemplate: error: " + args.output + ": cannot be written");
+  WriteOutputFile(args.output, svg);
   for (const std::string& note : notes)
     std::cerr << "xuntemplate: note: " << args.file << ": " << note << "\n";
   std::cout << args.output << ": page " << args.page << " of " << pages << "\n";

@@ -214,6 +214,25 @@ bool SaveTemplateAs(xun::clsXUNTemplate& t, const std::string& target,
   return !invalid;
 }
 
+void WriteOutputFile(const std::string& target, const std::string& text) {
+  const fs::path target_path(target);
+  fs::path folder = target_path.parent_path();
+  if (folder.empty()) folder = ".";
+  const std::string temp = xun::basPublic::GetUniqueFileName("xun", ".tmp", folder.string());
+  bool written = false;
+  if (!temp.empty()) {
+    std::ofstream out(temp, std::ios::binary);
+    out << text;
+    out.close();
+    std::error_code ec;
+    written = out && (fs::rename(temp, target_path, ec), !ec);
+  }
+  if (!written) {
+    if (!temp.empty()) RemoveQuietly(temp);
+    throw ToolError("xuntemplate: error: " + target + ": cannot be written");
+  }
+}
+
 PageExtent ExtentOf(const xun::clsXUNTemplate& t) {
   PageExtent e{t.PageWidth() * 100.0, t.PageHeight() * 100.0};
   if (t.Orientation() == xun::xunOrientationTypeFormLandscape && e.width < e.height)

@@ -98,6 +98,10 @@ std::optional<Encoding> ParseEncoding(const std::string& name);
 bool SaveTemplateAs(xun::clsXUNTemplate& t, const std::string& target,
                     std::optional<Encoding> encoding);
 
+// Writes `text` to `target` through a temporary file beside it, so a failure never leaves the
+// target half-written; throws a one-line ToolError when it cannot be written.
+void WriteOutputFile(const std::string& target, const std::string& text);
+
 // The page as drawn and checked, in pixels at 100 DPI: the template's width and height, swapped
 // when the template is landscape but its sizes describe a portrait sheet.
 struct PageExtent {
