@@ -4,9 +4,10 @@
 #   CONSUMER_SOURCE    this folder
 #   WORK_DIR           scratch folder for the prefix and the consumer's build
 #   GENERATOR, MAKE_PROGRAM, CXX_COMPILER, CONFIG   as in the project's build
+#   EXAMPLE_TEMPLATE   a template the installed xuntemplate (when built) describes
 cmake_minimum_required(VERSION 3.25)
 
-foreach(var XUN_BUILD_DIR CONSUMER_SOURCE WORK_DIR GENERATOR CXX_COMPILER)
+foreach(var XUN_BUILD_DIR CONSUMER_SOURCE WORK_DIR GENERATOR CXX_COMPILER EXAMPLE_TEMPLATE)
   if(NOT DEFINED ${var} OR "${${var}}" STREQUAL "")
     message(FATAL_ERROR "run_consumer_test: ${var} is not set")
   endif()
@@ -60,3 +61,15 @@ if(CONFIG AND EXISTS "${consumer_build}/${CONFIG}/consumer")
   set(consumer_exe "${consumer_build}/${CONFIG}/consumer")
 endif()
 run_step(run "${consumer_exe}")
+
+# The installed tool runs from the prefix as it is, without a loader path: its run path leads to
+# the installed library. `info` reads a template, so the library really is loaded and used.
+if(EXISTS "${prefix}/bin/xuntemplate")
+  execute_process(COMMAND "${CMAKE_COMMAND}" -E env --unset=LD_LIBRARY_PATH
+                          "${prefix}/bin/xuntemplate" info "${EXAMPLE_TEMPLATE}"
+                  RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE errors)
+  if(NOT result EQUAL 0 OR NOT output MATCHES "Valid for reading: yes")
+    message(FATAL_ERROR "run_consumer_test: the installed xuntemplate failed (${result}):\n"
+                        "${output}${errors}")
+  endif()
+endif()
