@@ -1,12 +1,11 @@
 // The default engine binding: the engine's shared library, opened by name at first use.
 #include <dlfcn.h>
 
-#include <filesystem>
 #include <mutex>
 #include <string>
 
+#include "xun/recognition/library_loader.h"
 #include "xun/recognition/recognition_engine.h"
-#include "xun/support/error_reporter.h"
 #include "xun/support/runtime_error.h"
 
 // The engine's exports use the callee-pops convention where the platform has one (32-bit x86);
@@ -57,16 +56,7 @@ DynamicRecognitionEngine::~DynamicRecognitionEngine() {
 void* DynamicRecognitionEngine::EntryPoint(const char* sName) {
   const std::lock_guard lock(dl_mutex);
   if (!handle_) {
-    // Beside this library first, as a program finds the libraries it ships with; then wherever
-    // the dynamic loader looks.
-    const std::filesystem::path own_folder = basError::LibraryFolder();
-    if (!own_folder.empty() && library_.find('/') == std::string::npos) {
-      const std::filesystem::path beside = own_folder / library_;
-      std::error_code ec;
-      if (std::filesystem::is_regular_file(beside, ec))
-        handle_ = dlopen(beside.c_str(), RTLD_NOW | RTLD_LOCAL);
-    }
-    if (!handle_) handle_ = dlopen(library_.c_str(), RTLD_NOW | RTLD_LOCAL);
+    handle_ = detail::OpenBesideLibrary(library_);
     if (!handle_) throw RuntimeError(kErrFileNotFound, "File not found: " + library_);
   }
   void* address = dlsym(handle_, sName);

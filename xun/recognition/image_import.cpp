@@ -4,7 +4,7 @@
 #include "xun/model/page.h"
 #include "xun/model/template.h"
 #include "xun/recognition/image_session.h"
-#include "xun/recognition/page_image.h"
+#include "xun/recognition/imaging_module.h"
 #include "xun/support/error_reporter.h"
 #include "xun/support/file_helpers.h"
 #include "xun/support/runtime_error.h"
@@ -22,9 +22,9 @@ bool clsXUNPage::ImageImport(const std::string& sImportFile, int32_t lImagePageI
     rule.drop_colour = !owner || owner->ReadType() != xunTemplateReadTypeOffice;
     rule.colour = drop_out_color_;
     rule.threshold = drop_out_threshold_;
-    const detail::ImportedPage imported =
-        detail::ImportImagePage(sImportFile, lImagePageIndex, rule, owner ? owner->PageWidth() : 0,
-                                owner ? owner->PageHeight() : 0);
+    const detail::ImportedPage imported = detail::Imaging().import_page(
+        sImportFile, lImagePageIndex, rule, owner ? owner->PageWidth() : 0,
+        owner ? owner->PageHeight() : 0);
 
     const std::string own_file = basPublic::GetUniqueFileName("", ".pcx", "");
     if (own_file.empty()) Raise(kErrPathFileAccess);

@@ -1,4 +1,4 @@
-#include "xun/recognition/page_image.h"
+#include "imaging/page_image.h"
 
 #include <magick/api.h>
 
@@ -12,7 +12,11 @@
 #include "xun/support/numeric.h"
 #include "xun/support/runtime_error.h"
 
-namespace xun::detail {
+namespace xun::imaging {
+
+using detail::DropOutRule;
+using detail::ImportedPage;
+
 namespace {
 
 // The classic "Invalid picture" error, with what the image library said.
@@ -251,4 +255,4 @@ GreyImage ReadGreyRegion(const std::string& file, int32_t left, int32_t top, int
   return grey;
 }
 
-}  // namespace xun::detail
+}  // namespace xun::imaging
