@@ -3,9 +3,13 @@
 #include <algorithm>
 #include <cstdint>
 #include <map>
+#include <optional>
+#include <string>
 
 #include "template_walk.h"
 #include "tool.h"
+#include "xun/model/question_bubbles.h"
+#include "xun/templatefile/check_required.h"
 
 namespace xuntool {
 namespace {
@@ -24,6 +28,20 @@ std::string Folded(std::string text) {
     return static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
   });
   return text;
+}
+
+// Along a question of an OMR region of field type 1 to 7 lie as many bubbles as it should have
+// choices: a row of them (Orient 1), a column (Orient 2), one for a Boolean question. The reader
+// takes any count; a count that disagrees leaves bubbles without a label or labels without a
+// bubble. Empty when the count agrees or the region has no such rule.
+std::string ChoicesAgainstBubbles(const xun::clsXUNField& f, int32_t choices) {
+  if (!xun::basTemplate::detail::QuestionsNeedChoices(f)) return {};
+  const std::optional<int32_t> bubbles = xun::detail::BubblesPerQuestion(f);
+  if (!bubbles || *bubbles == choices) return {};
+  const std::string held = Plural(*bubbles, "bubble", "bubbles");
+  if (f.FieldType() == xun::xunFieldTypeOMRBoolean) return "a Boolean question has " + held;
+  return std::string("its ") + (f.Orient() == xun::xunOrientationTypeOMRRow ? "row" : "column") +
+         " holds " + held;
 }
 
 bool Overlap(const xun::clsXUNField& a, const xun::clsXUNField& b) {
@@ -64,11 +82,15 @@ std::vector<Warning> CollectWarnings(const xun::clsXUNTemplate& t, const Section
       question_index[q.get()] = index;
       const int32_t choices = q->Choices() ? q->Choices()->Count() : 0;
       const int32_t codes = q->Codes() ? q->Codes()->Count() : 0;
+      const std::string question = "question '" + q->QuestionName() + "' of " + Where(ref);
       if (choices != codes)
         out.push_back({LineAt(lines.questions, index),
-                       "question '" + q->QuestionName() + "' of " + Where(ref) + " has " +
-                           Plural(choices, "choice", "choices") + " but " +
+                       question + " has " + Plural(choices, "choice", "choices") + " but " +
                            Plural(codes, "code", "codes")});
+      if (const std::string bubbles = ChoicesAgainstBubbles(f, choices); !bubbles.empty())
+        out.push_back(
+            {LineAt(lines.questions, index),
+             question + " has " + Plural(choices, "choice", "choices") + " but " + bubbles});
     }
   }
 
