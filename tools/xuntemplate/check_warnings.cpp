@@ -3,13 +3,12 @@
 #include <algorithm>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 
 #include "template_walk.h"
 #include "tool.h"
-#include "xun/model/question_bubbles.h"
-#include "xun/templatefile/check_required.h"
 
 namespace xuntool {
 namespace {
@@ -30,13 +29,24 @@ std::string Folded(std::string text) {
   return text;
 }
 
-// Along a question of an OMR region of field type 1 to 7 lie as many bubbles as it should have
-// choices: a row of them (Orient 1), a column (Orient 2), one for a Boolean question. The reader
-// takes any count; a count that disagrees leaves bubbles without a label or labels without a
-// bubble. Empty when the count agrees or the region has no such rule.
-std::string ChoicesAgainstBubbles(const xun::clsXUNField& f, int32_t choices) {
-  if (!xun::basTemplate::detail::QuestionsNeedChoices(f)) return {};
-  const std::optional<int32_t> bubbles = xun::detail::BubblesPerQuestion(f);
+// The bubbles along each question of an OMR region of field type 1 to 7, as many as it should
+// have choices: the number of choices the library's own Update gives every question (a row of
+// NumCols for Orient 1, a column of NumRows for Orient 2, one for a Boolean question), asked of a
+// copy so the template stays as read. Nothing for other regions.
+std::optional<int32_t> BubblesAlongAQuestion(const xun::clsXUNField& f) {
+  if (f.RecognitionType() != xun::xunRecogTypeOMR || f.FieldType() < xun::xunFieldTypeOMRMult ||
+      f.FieldType() > xun::xunFieldTypeOMRRank)
+    return std::nullopt;
+  const std::shared_ptr<xun::clsXUNField> copy = f.Copy(false, false, false);
+  if (!copy || !copy->Questions()->Update() || copy->Questions()->Count() == 0) return std::nullopt;
+  const auto choices = copy->Questions()->Item(1)->Choices();
+  return choices ? choices->Count() : 0;
+}
+
+// The reader takes any count of choices; one that disagrees with the bubbles leaves bubbles
+// without a label or labels without a bubble. Empty when the count agrees.
+std::string ChoicesAgainstBubbles(const xun::clsXUNField& f, std::optional<int32_t> bubbles,
+                                  int32_t choices) {
   if (!bubbles || *bubbles == choices) return {};
   const std::string held = Plural(*bubbles, "bubble", "bubbles");
   if (f.FieldType() == xun::xunFieldTypeOMRBoolean) return "a Boolean question has " + held;
@@ -77,6 +87,7 @@ std::vector<Warning> CollectWarnings(const xun::clsXUNTemplate& t, const Section
       out.push_back({line, Where(ref) + " " + Rect(f) + " overlaps region '" +
                                RegionLabel(regions[j]) + "' " + Rect(*regions[j].field)});
     }
+    const std::optional<int32_t> bubbles = BubblesAlongAQuestion(f);
     for (const auto& q : *f.Questions()) {
       const std::size_t index = next_question++;
       question_index[q.get()] = index;
@@ -87,10 +98,11 @@ std::vector<Warning> CollectWarnings(const xun::clsXUNTemplate& t, const Section
         out.push_back({LineAt(lines.questions, index),
                        question + " has " + Plural(choices, "choice", "choices") + " but " +
                            Plural(codes, "code", "codes")});
-      if (const std::string bubbles = ChoicesAgainstBubbles(f, choices); !bubbles.empty())
+      if (const std::string mismatch = ChoicesAgainstBubbles(f, bubbles, choices);
+          !mismatch.empty())
         out.push_back(
             {LineAt(lines.questions, index),
-             question + " has " + Plural(choices, "choice", "choices") + " but " + bubbles});
+             question + " has " + Plural(choices, "choice", "choices") + " but " + mismatch});
     }
   }
 

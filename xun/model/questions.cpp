@@ -6,7 +6,6 @@
 
 #include "xun/model/field.h"
 #include "xun/model/field_db.h"
-#include "xun/model/question_bubbles.h"
 #include "xun/model/string_items.h"
 #include "xun/support/numeric.h"
 #include "xun/support/runtime_error.h"
@@ -29,6 +28,15 @@ void ForceCount(clsXUNStringItems& list, int32_t count, bool numeric) {
     list.Remove(list.Count());
   while (list.Count() < count)
     list.Add(DefaultLabel(list.Count() + 1, numeric));
+}
+
+// The number of bubbles each question of an OMR region has; nullopt when the orientation does
+// not say.
+std::optional<int32_t> BubblesPerQuestion(const clsXUNField& field) {
+  if (field.FieldType() == xunFieldTypeOMRBoolean) return 1;
+  if (field.Orient() == xunOrientationTypeOMRRow) return field.NumCols();
+  if (field.Orient() == xunOrientationTypeOMRCol) return field.NumRows();
+  return std::nullopt;
 }
 
 }  // namespace
@@ -63,7 +71,7 @@ bool clsXUNQuestions::Update() {
     }
 
     if (field->RecognitionType() != xunRecogTypeOMR) return true;
-    const std::optional<int32_t> bubbles = detail::BubblesPerQuestion(*field);
+    const std::optional<int32_t> bubbles = BubblesPerQuestion(*field);
     if (!bubbles) return true;
     const bool numeric = field->DataType() == xunDataTypeNumeric;
     for (const std::shared_ptr<clsXUNQuestion>& question : items_) {

@@ -19,6 +19,13 @@
 namespace xun::basTemplate {
 namespace {
 
+// The kinds whose questions are read from bubbles that each have a label and an output code: an
+// OMR region of field type 1 to 7 (multiple, grid, add, boolean, binary, list, rank).
+bool QuestionsNeedChoices(const clsXUNField& field) {
+  return field.RecognitionType() == xunRecogTypeOMR && field.FieldType() >= xunFieldTypeOMRMult &&
+         field.FieldType() <= xunFieldTypeOMRRank;
+}
+
 // The checks judge a value as the file holds it, so the writer's verdict is the one the reader
 // reaches on the saved file: a name the name list cleans away is no name, and a list of a single
 // item that cleans to nothing is written as an empty line and read back with no items.
@@ -56,17 +63,12 @@ bool CheckRegionRequired(const clsXUNField& oField) {
 // of their own file. `xuntemplate check` warns about those.
 bool CheckQuestionRequired(const clsXUNQuestion& oQuestion) {
   const std::shared_ptr<clsXUNField> field = oQuestion.Field();
-  if (!field || !detail::QuestionsNeedChoices(*field)) return true;
+  if (!field || !QuestionsNeedChoices(*field)) return true;
   return HoldsItems(oQuestion.Choices(), detail::kIllegalLabelCharacters) &&
          HoldsItems(oQuestion.Codes(), detail::kIllegalValueCharacters);
 }
 
 namespace detail {
-
-bool QuestionsNeedChoices(const clsXUNField& oField) {
-  return oField.RecognitionType() == xunRecogTypeOMR && oField.FieldType() >= xunFieldTypeOMRMult &&
-         oField.FieldType() <= xunFieldTypeOMRRank;
-}
 
 bool TemplateIsValid(const clsXUNTemplate& oTemplate) {
   if (oTemplate.NumPages() <= 0 || oTemplate.NumFields() <= 0 || oTemplate.NumItems() <= 0)

@@ -17,10 +17,6 @@ XUN_API bool CheckQuestionRequired(const clsXUNQuestion& oQuestion);
 
 namespace detail {
 
-// Whether the region's questions are read from bubbles that each have a label and an output
-// code: an OMR region of field type 1 to 7 (multiple, grid, add, boolean, binary, list, rank).
-XUN_API bool QuestionsNeedChoices(const clsXUNField& oField);
-
 // What the writer stores as Valid: the template has pages, regions and items, and every region
 // and every question passes the checks above.
 bool TemplateIsValid(const clsXUNTemplate& oTemplate);
