@@ -249,6 +249,25 @@ TEST_F(Batch, RelativeMembersLookInTheDefaultFolderFirst) {
   EXPECT_EQ(PageTags(*form), (std::vector<std::string>{"Header-1", "BesideBatch-1"}));
 }
 
+// Every line with "=" in a section names a member, blank lines (with or without blanks on them)
+// inside the section included; the section ends only at the next header.
+TEST_F(Batch, BlankLinesDoNotEndASection) {
+  SaveMember(Member("Form", 1), folder.File("form.omr"));
+  SaveMember(Member("One", 1), folder.File("one.omr"));
+  SaveMember(Member("Two", 1), folder.File("two.omr"));
+  SaveMember(Member("Three", 1), folder.File("three.omr"));
+  testing::WriteFileBytes(folder.File("b.rbf"),
+                          "[Template]\r\n\r\nName=form.omr\r\n[Headers]\r\nName=one.omr\r\n\r\n"
+                          "Name=two.omr\r\n   \r\n\r\nName=three.omr\r\n\r\n[Other]\r\n"
+                          "Name=one.omr\r\n");
+  auto form = clsXUNTemplate::Create();
+  testing::ScopedHandler handler;
+  ASSERT_TRUE(form->ReadBatch(folder.File("b.rbf"), folder.path()));
+  EXPECT_TRUE(handler.reports().empty());
+  EXPECT_EQ(PageTags(*form), (std::vector<std::string>{"One-1", "Two-1", "Three-1", "Form-1"}));
+  EXPECT_EQ(form->HeaderCount(), 3);
+}
+
 TEST_F(Batch, MemberThatCannotBeReadStopsTheBatch) {
   SaveMember(Member("Form", 1), folder.File("form.omr"));
   testing::WriteFileBytes(folder.File("broken.omr"), "[Form]\r\nVersion=8\r\n");

@@ -124,8 +124,8 @@ TEST(Link, RefusalsNameTheFirstBrokenRuleAndChangeNothing) {
   }
 }
 
-// A quiet refusal is reported but not shown; a selection that is not two regions of this page is
-// the caller's mistake, a run-time error.
+// A quiet refusal is reported but not shown; an empty selection or one that is not of this page
+// is the caller's mistake, a run-time error.
 TEST(Link, QuietRefusalsAndCallerMistakes) {
   Sheet sheet;
   auto a = AddOMR(sheet.page, "A", 2, 2, xunFieldTypeOMRBoolean);
@@ -135,7 +135,7 @@ TEST(Link, QuietRefusalsAndCallerMistakes) {
   testing::ScopedMessageCapture messages;
   EXPECT_FALSE(sheet.page->Link({a, b}, false));
   EXPECT_FALSE(sheet.page->Link({a, stranger}));
-  EXPECT_FALSE(sheet.page->Link({a, a}));
+  EXPECT_FALSE(sheet.page->Link({}));
   EXPECT_FALSE(sheet.page->Link({a, nullptr}));
   EXPECT_TRUE(messages.messages().empty());
   ASSERT_EQ(handler.reports().size(), 4u);
@@ -253,6 +253,51 @@ TEST(Link, ResetCodesContinuesAcrossTheGroup) {
     EXPECT_EQ(a->Questions()->Item(1)->AllCodes()->AsString(","),
               sheet.Codes(1) + "," + c.expected);
   }
+}
+
+// One region is linked like any selection: the rules hold against itself, and it forms a group
+// of its own, leaving the group it was in (which, left with one region, dissolves).
+TEST(Link, OneRegionFormsAGroupOfItsOwn) {
+  Sheet sheet;
+  auto a = AddOMR(sheet.page, "A", 2, 3), b = AddOMR(sheet.page, "B", 2, 3);
+  auto c = AddOMR(sheet.page, "C", 2, 3);
+  for (const auto& question : *c->Questions()) {
+    question->Codes()->RemoveAll();
+    for (const char* code : {"Y", "N", "N"})
+      question->Codes()->Add(code);
+  }
+  ASSERT_TRUE(sheet.page->Link({a, b}));
+  testing::ScopedHandler handler;
+  testing::ScopedMessageCapture messages;
+  EXPECT_TRUE(sheet.page->Link({c, c}));  // repeats count once
+  EXPECT_EQ(sheet.Names(), (std::vector<std::string>{"A:1*", "B:1", "C:2*"}));
+  EXPECT_EQ(sheet.Codes(3), "Y,Z,27") << "numbered as the first region of a group";
+  EXPECT_EQ(basTemplate::LinkCount(*sheet.page, 2), 1);
+  EXPECT_TRUE(sheet.page->Link({b}));
+  EXPECT_EQ(sheet.Names(), (std::vector<std::string>{"A:0", "B:1*", "C:2*"}));
+  EXPECT_TRUE(handler.reports().empty());
+  EXPECT_TRUE(messages.messages().empty());
+  EXPECT_EQ(sheet.page->NumQuestions(), 6) << "a group of one keeps its region's items";
+
+  // A group of one survives a save and a read.
+  testing::TempFolder folder;
+  ASSERT_TRUE(sheet.form->Save(folder.File("one.omr"), false));
+  auto read = clsXUNTemplate::Create();
+  ASSERT_TRUE(read->Read(folder.File("one.omr"), true));
+  EXPECT_EQ(Names(*read->Pages()->Item(1)), (std::vector<std::string>{"A:0", "B:1*", "C:2*"}));
+  read->Free();
+
+  // The rules still refuse: a Boolean region alone, a region that is not OMR alone.
+  auto boolean = AddOMR(sheet.page, "D", 2, 2, xunFieldTypeOMRBoolean);
+  auto barcode = AddOMR(sheet.page, "E", 2, 2);
+  barcode->RecognitionType(xunRecogTypeBarcode);
+  EXPECT_FALSE(sheet.page->Link({boolean}));
+  EXPECT_FALSE(sheet.page->Link({barcode}));
+  ASSERT_EQ(messages.messages().size(), 2u);
+  EXPECT_EQ(messages.messages()[0].text, Refusal("Boolean regions cannot be linked."));
+  EXPECT_EQ(messages.messages()[1].text, Refusal("Only OMR regions can be linked."));
+  EXPECT_EQ(boolean->LinkGroup(), 0);
+  EXPECT_EQ(barcode->LinkGroup(), 0);
 }
 
 // Groups survive a save and a read: the same regions, first regions and codes.

@@ -285,8 +285,8 @@ INSTANTIATE_TEST_SUITE_P(
                     "more region parameters are missing or invalid.\r\n\r\nRegion: 1\r\nPage: 1",
                     "basTemplate.ReadRegion", 5},
         FailureCase{
-            "QuestionCodesShort",
-            std::string(kForm) + "[Page]\n" + kOmrRegion + "[Question]\nChoices=A\tB\nCodes=1\n",
+            "QuestionWithoutCodes",
+            std::string(kForm) + "[Page]\n" + kOmrRegion + "[Question]\nChoices=A\tB\nCodes=\n",
             "Question Error",
             "An error occurred reading the [Question] section of the template file. One "
             "or more question parameters are missing or invalid.\r\n\r\nRegion Name: "

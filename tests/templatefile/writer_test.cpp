@@ -148,7 +148,7 @@ TEST(WriterSave, InvalidTemplateIsFlagged) {
   ScopedHandler handler;
   TempFolder folder;
   auto form = TinyTemplate("Q1");
-  form->Pages()->Item(1)->Fields()->Item(1)->Questions()->Item(1)->Codes()->Add("3");
+  form->Pages()->Item(1)->Fields()->Item(1)->Questions()->Item(1)->Codes()->RemoveAll();
   bool invalid = false;
   ASSERT_TRUE(basTemplate::SaveTemplate(folder.File("a.omr"), *form, false, &invalid, false));
   EXPECT_TRUE(invalid);

@@ -37,11 +37,12 @@ int CheckFile(const std::string& path) {
 
 void AddCheckCommand(CLI::App& app, int& status) {
   auto* cmd = app.add_subcommand("check", "Check templates as the form-reading program opens them");
-  cmd->footer(Wrap(
-      "Open each template for reading, as the form-reading program does, and print every "
-      "problem as FILE:LINE: error: TITLE: TEXT, then warnings the library accepts: regions "
-      "outside the page, overlapping regions, duplicate question names, choices and codes of "
-      "different lengths, empty link groups. Exit status: 0 clean, 1 warnings only, 2 errors."));
+  cmd->footer(
+      Wrap("Open each template for reading, as the form-reading program does, and print every "
+           "problem as FILE:LINE: error: TITLE: TEXT, then warnings the library accepts: regions "
+           "outside the page, overlapping regions, duplicate question names, choices and codes of "
+           "different lengths, choices that do not match the bubbles along a question, link groups "
+           "that link nothing. Exit status: 0 clean, 1 warnings only, 2 errors."));
   auto files = std::make_shared<std::vector<std::string>>();
   cmd->add_option("FILE", *files, "Template files (.omr, plain or zipped)")->required();
   cmd->callback([files, &status] {

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <map>
+#include <memory>
+#include <optional>
+#include <string>
 
 #include "template_walk.h"
 #include "tool.h"
@@ -24,6 +27,31 @@ std::string Folded(std::string text) {
     return static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
   });
   return text;
+}
+
+// The bubbles along each question of an OMR region of field type 1 to 7, as many as it should
+// have choices: the number of choices the library's own Update gives every question (a row of
+// NumCols for Orient 1, a column of NumRows for Orient 2, one for a Boolean question), asked of a
+// copy so the template stays as read. Nothing for other regions.
+std::optional<int32_t> BubblesAlongAQuestion(const xun::clsXUNField& f) {
+  if (f.RecognitionType() != xun::xunRecogTypeOMR || f.FieldType() < xun::xunFieldTypeOMRMult ||
+      f.FieldType() > xun::xunFieldTypeOMRRank)
+    return std::nullopt;
+  const std::shared_ptr<xun::clsXUNField> copy = f.Copy(false, false, false);
+  if (!copy || !copy->Questions()->Update() || copy->Questions()->Count() == 0) return std::nullopt;
+  const auto choices = copy->Questions()->Item(1)->Choices();
+  return choices ? choices->Count() : 0;
+}
+
+// The reader takes any count of choices; one that disagrees with the bubbles leaves bubbles
+// without a label or labels without a bubble. Empty when the count agrees.
+std::string ChoicesAgainstBubbles(const xun::clsXUNField& f, std::optional<int32_t> bubbles,
+                                  int32_t choices) {
+  if (!bubbles || *bubbles == choices) return {};
+  const std::string held = Plural(*bubbles, "bubble", "bubbles");
+  if (f.FieldType() == xun::xunFieldTypeOMRBoolean) return "a Boolean question has " + held;
+  return std::string("its ") + (f.Orient() == xun::xunOrientationTypeOMRRow ? "row" : "column") +
+         " holds " + held;
 }
 
 bool Overlap(const xun::clsXUNField& a, const xun::clsXUNField& b) {
@@ -59,16 +87,22 @@ std::vector<Warning> CollectWarnings(const xun::clsXUNTemplate& t, const Section
       out.push_back({line, Where(ref) + " " + Rect(f) + " overlaps region '" +
                                RegionLabel(regions[j]) + "' " + Rect(*regions[j].field)});
     }
+    const std::optional<int32_t> bubbles = BubblesAlongAQuestion(f);
     for (const auto& q : *f.Questions()) {
       const std::size_t index = next_question++;
       question_index[q.get()] = index;
       const int32_t choices = q->Choices() ? q->Choices()->Count() : 0;
       const int32_t codes = q->Codes() ? q->Codes()->Count() : 0;
+      const std::string question = "question '" + q->QuestionName() + "' of " + Where(ref);
       if (choices != codes)
         out.push_back({LineAt(lines.questions, index),
-                       "question '" + q->QuestionName() + "' of " + Where(ref) + " has " +
-                           Plural(choices, "choice", "choices") + " but " +
+                       question + " has " + Plural(choices, "choice", "choices") + " but " +
                            Plural(codes, "code", "codes")});
+      if (const std::string mismatch = ChoicesAgainstBubbles(f, bubbles, choices);
+          !mismatch.empty())
+        out.push_back(
+            {LineAt(lines.questions, index),
+             question + " has " + Plural(choices, "choice", "choices") + " but " + mismatch});
     }
   }
 

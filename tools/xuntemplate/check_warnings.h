@@ -16,8 +16,9 @@ struct Warning {
 };
 
 // Regions outside the page or with an empty rectangle, overlapping regions on a page, duplicate
-// data column names, questions whose choices and codes differ in length, and link groups that
-// link nothing (no region, or a single one). In template order.
+// data column names, questions whose choices and codes differ in length, questions of OMR regions
+// whose choices do not match the bubbles along them, and link groups that link nothing (no
+// region, or a single one). In template order.
 std::vector<Warning> CollectWarnings(const xun::clsXUNTemplate& t, const SectionLines& lines);
 
 }  // namespace xuntool

@@ -11,6 +11,7 @@
 #include "xun/support/trap.h"
 #include "xun/support/value_helpers.h"
 #include "xun/templatefile/bas_template.h"
+#include "xun/templatefile/replace_content.h"
 
 namespace xun {
 namespace {
@@ -115,11 +116,15 @@ bool clsXUNTemplate::ReadBatch(const std::string& sBatchFile,
 }
 
 bool clsXUNTemplate::Read(const std::string& sTemplateFile, bool bForEdit) {
-  const bool read = Trap("clsXUNTemplate.Read", false,
-                         [&] { return basTemplate::ReadTemplate(sTemplateFile, *this, bForEdit); });
-  // Whatever the outcome: a template read for reading only can never be saved.
-  editable_ = bForEdit;
-  return read;
+  // Whatever the outcome, a host's error passing through included: a template read for reading
+  // only can never be saved.
+  struct SetEditable {
+    clsXUNTemplate& t;
+    bool value;
+    ~SetEditable() { t.editable_ = value; }
+  } set_editable{*this, bForEdit};
+  return Trap("clsXUNTemplate.Read", false,
+              [&] { return basTemplate::ReadReplacing(sTemplateFile, *this, bForEdit); });
 }
 
 bool clsXUNTemplate::SaveBatch(const std::string& sBatchTemplate, const std::string& sTemplate,
@@ -138,11 +143,11 @@ bool clsXUNTemplate::Save(const std::string& sTemplateFile, bool bVerbose, bool*
           "Read Only", bVerbose);
       return false;
     }
-    // A bare file name lies in the current folder.
+    // A bare file name lies in the current folder; an empty name names no file in any folder.
     std::filesystem::path folder = std::filesystem::path(sTemplateFile).parent_path();
     if (folder.empty()) folder = ".";
     std::error_code ec;
-    if (!std::filesystem::is_directory(folder, ec)) {
+    if (sTemplateFile.empty() || !std::filesystem::is_directory(folder, ec)) {
       ReportRefusal("Operation cannot be completed. The specified folder does not exist.",
                     "Invalid Save Folder", bVerbose);
       return false;

@@ -73,13 +73,13 @@ class XUN_API clsXUNTemplate : public Object {
   const std::string& Description() const { return description_; }
   // Reads a batch file and merges its header templates and form template into this template.
   bool ReadBatch(const std::string& sBatchFile, const std::string& sDefaultTemplateDir);
-  // Reads a template file; Editable becomes bForEdit whatever the outcome.
+  // Reads a template file in place of the content; Editable becomes bForEdit whatever the outcome.
   bool Read(const std::string& sTemplateFile, bool bForEdit = false);
   // Writes a batch file naming the form template and the header templates in order.
   bool SaveBatch(const std::string& sBatchTemplate, const std::string& sTemplate,
                  const std::vector<std::string>& vHeaderTemplates);
-  // Saves to a template file. Refused for a template read for reading only, or when the
-  // target's folder does not exist. *bInvalid tells whether what was written is valid.
+  // Saves to a template file. Refused for a template read for reading only, an empty name, or
+  // a folder that does not exist. *bInvalid tells whether what was written is valid.
   bool Save(const std::string& sTemplateFile, bool bVerbose = true, bool* bInvalid = nullptr,
             bool bRegister = true);
   // Merges oAppend's pages into this template.

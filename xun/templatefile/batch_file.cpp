@@ -21,8 +21,8 @@ BatchMembers ParseBatchText(std::string_view text) {
                                         : Section::None;
       continue;
     }
-    // As in a template file, an empty line ends the section.
-    if (line.empty()) section = Section::None;
+    // Unlike a template file, an empty line does not end a section: a batch file is a list of
+    // names, and a name after a blank line is still one of them.
     const size_t equals = line.find('=');
     if (section == Section::None || equals == std::string_view::npos) continue;
     const std::string path(text::Trim(line.substr(equals + 1)));

@@ -5,12 +5,47 @@
 #include <vector>
 
 #include "xun/support/numeric.h"
+#include "xun/support/runtime_error.h"
 #include "xun/support/text.h"
 #include "xun/support/trap.h"
 #include "xun/templatefile/bas_template.h"
 #include "xun/templatefile/clean_text.h"
 
 namespace xun::basTemplate {
+namespace {
+
+constexpr char32_t kLastCodePoint = 0x10FFFF;
+
+// The character a code of the list names: a code point, written in decimal (a fraction rounds
+// half to even). A code that names no character (negative, a surrogate half, beyond the last
+// code point, too large for a number) removes nothing; text never holds a surrogate half, since
+// decoding makes a lone one U+FFFD.
+std::optional<char32_t> CharacterOfCode(std::string_view code) {
+  double value = 0;
+  try {
+    value = RoundHalfEven(Val(code));
+  } catch (const RuntimeError&) {
+    return std::nullopt;
+  }
+  if (!(value >= 0 && value <= kLastCodePoint)) return std::nullopt;
+  const auto character = static_cast<char32_t>(value);
+  if (character >= 0xD800 && character <= 0xDFFF) return std::nullopt;
+  return character;
+}
+
+std::string Utf8Of(char32_t character) {
+  std::u16string units;
+  if (character >= 0x10000) {
+    const char32_t offset = character - 0x10000;
+    units = {static_cast<char16_t>(0xD800 + (offset >> 10)),
+             static_cast<char16_t>(0xDC00 + (offset & 0x3FF))};
+  } else {
+    units = {static_cast<char16_t>(character)};
+  }
+  return text::Utf16ToUtf8(units);
+}
+
+}  // namespace
 
 std::string CleanTemplateValues(const std::string& sValue, bool bStripTabs,
                                 const std::string& sStripCharacters) {
@@ -24,8 +59,8 @@ std::string CleanTemplateValues(const std::string& sValue, bool bStripTabs,
     for (const std::string_view code : text::Split(sStripCharacters, ",")) {
       if (text::Trim(code).empty()) continue;
       // Codes name characters (code points), so the UTF-8 form of each is removed.
-      const std::u16string unit(1, static_cast<char16_t>(CInt(Val(code))));
-      value = text::ReplaceAll(value, text::Utf16ToUtf8(unit), "");
+      if (const std::optional<char32_t> character = CharacterOfCode(code))
+        value = text::ReplaceAll(value, Utf8Of(*character), "");
     }
     return value;
   });
@@ -37,19 +72,16 @@ namespace xun::basTemplate::detail {
 
 namespace {
 
-// The ASCII characters a code list ("46,33,39") names; none when a code is outside ASCII or does
-// not convert, so such a list always takes the cleaner's own path (and its error reports).
+// The ASCII characters a code list ("46,33,39") names; none when a code names a character
+// outside ASCII, so such a list always takes the cleaner's own path.
 std::optional<std::bitset<128>> AsciiSetOf(const std::string& codes) {
   std::bitset<128> set;
-  try {
-    for (const std::string_view code : text::Split(codes, ",")) {
-      if (text::Trim(code).empty()) continue;
-      const int16_t character = CInt(Val(code));
-      if (character < 0 || character >= 128) return std::nullopt;
-      set.set(static_cast<size_t>(character));
-    }
-  } catch (...) {
-    return std::nullopt;
+  for (const std::string_view code : text::Split(codes, ",")) {
+    if (text::Trim(code).empty()) continue;
+    const std::optional<char32_t> character = CharacterOfCode(code);
+    if (!character) continue;  // names nothing to remove
+    if (*character >= 128) return std::nullopt;
+    set.set(static_cast<size_t>(*character));
   }
   return set;
 }

@@ -73,8 +73,9 @@ void Refuse(const std::string& text, bool bVerbose) {
                         {}, {}, {}, 1, {}, {}, {}, 0, Variant(!bVerbose));
 }
 
-// The selection without repeats, each a region of this page; anything else is the caller's
-// mistake (error 91 or 5).
+// The selection without repeats, each a region of this page; anything else, or nothing
+// selected, is the caller's mistake (error 91 or 5). One region is a selection like any other:
+// the rules hold for it, and linked it forms a group of its own.
 Regions Selection(const clsXUNFields& list, const Regions& oFields) {
   Regions selected;
   std::unordered_set<const clsXUNField*> seen;
@@ -83,7 +84,7 @@ Regions Selection(const clsXUNFields& list, const Regions& oFields) {
     if (field->Fields().get() != &list) Raise(kErrInvalidCall);
     if (seen.insert(field.get()).second) selected.push_back(field);
   }
-  if (selected.size() < 2) Raise(kErrInvalidCall);
+  if (selected.empty()) Raise(kErrInvalidCall);
   return selected;
 }
 

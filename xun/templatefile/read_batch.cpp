@@ -14,6 +14,7 @@
 #include "xun/support/trap.h"
 #include "xun/templatefile/bas_template.h"
 #include "xun/templatefile/batch_file.h"
+#include "xun/templatefile/replace_content.h"
 #include "xun/templatefile/text_decoding.h"
 
 namespace xun::basTemplate {
@@ -75,20 +76,6 @@ bool CannotRead(const std::string& path) {
   return false;
 }
 
-// Replaces the content of `oTemplate` by the merged tree: its pages (the old ones are freed,
-// with their image files, as Clear frees them) and its form-level settings.
-void TakeMerged(clsXUNTemplate& merged, clsXUNTemplate& oTemplate) {
-  const std::shared_ptr<clsXUNPages> old_pages = oTemplate.Pages();
-  oTemplate.Pages(merged.Pages());
-  merged.Pages(clsXUNPages::Create());
-  if (old_pages) old_pages->Free();
-  detail::TakeFormSettings(merged, oTemplate);
-  oTemplate.HeaderCount(merged.HeaderCount());
-  oTemplate.HeaderPageCount(merged.HeaderPageCount());
-  oTemplate.HeaderItemCount(merged.HeaderItemCount());
-  xun::detail::TemplateInternals::SetValid(oTemplate, merged.Valid());
-}
-
 }  // namespace
 
 bool ReadBatch(clsXUNTemplate& oTemplate, const std::string& sBatchFile,
@@ -114,7 +101,7 @@ bool ReadBatch(clsXUNTemplate& oTemplate, const std::string& sBatchFile,
     Members merged;
     merged.list().push_back(clsXUNTemplate::Create());
     if (!MergeTemplates(members.list(), *merged.list().front())) return false;
-    TakeMerged(*merged.list().front(), oTemplate);
+    detail::ReplaceContent(*merged.list().front(), oTemplate);
     return true;
   });
 }

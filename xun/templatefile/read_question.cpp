@@ -140,20 +140,4 @@ bool ReadQuestion(ReaderContext& ctx) {
 
 }  // namespace detail
 
-// For OMR regions of the kinds 1 to 7 (multiple, grid, add, boolean, binary, list, rank) each
-// bubble of a question has a label and an output code: both lists must hold items, and as many
-// of one as of the other. The rule is the same for row- (Orient 1) and column-oriented (2)
-// regions, since either way one choice and one code belong to each bubble. Other regions and a
-// question in no region have nothing to check.
-bool CheckQuestionRequired(const clsXUNQuestion& oQuestion) {
-  const std::shared_ptr<clsXUNField> field = oQuestion.Field();
-  if (!field || field->RecognitionType() != xunRecogTypeOMR) return true;
-  if (field->FieldType() < xunFieldTypeOMRMult || field->FieldType() > xunFieldTypeOMRRank)
-    return true;
-  const auto choices = oQuestion.Choices();
-  const auto codes = oQuestion.Codes();
-  if (!choices || !codes || choices->Count() == 0 || codes->Count() == 0) return false;
-  return choices->Count() == codes->Count();
-}
-
 }  // namespace xun::basTemplate

@@ -204,11 +204,4 @@ bool ReadRegion(ReaderContext& ctx) {
 
 }  // namespace detail
 
-bool CheckRegionRequired(const clsXUNField& oField) {
-  if (oField.FieldName().empty()) return false;
-  if (oField.RecognitionType() != xunRecogTypeOMR) return true;
-  const bool oriented = oField.Orient() == 1 || oField.Orient() == 2;
-  return oriented && oField.NumCols() > 0 && oField.NumRows() > 0;
-}
-
 }  // namespace xun::basTemplate

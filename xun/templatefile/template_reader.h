@@ -9,15 +9,10 @@
 
 #include "xun/export.h"
 #include "xun/model/fwd.h"
+#include "xun/templatefile/check_required.h"
 #include "xun/templatefile/section_reader.h"
 
 namespace xun::basTemplate {
-
-// True when the region has a name and, for an OMR region, an orientation of 1 or 2 and a grid
-// of at least one row and one column.
-XUN_API bool CheckRegionRequired(const clsXUNField& oField);
-// True when the question's choices and codes suit its region (see the rule at the definition).
-XUN_API bool CheckQuestionRequired(const clsXUNQuestion& oQuestion);
 
 namespace detail {
 

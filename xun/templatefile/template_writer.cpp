@@ -19,6 +19,7 @@
 #include "xun/support/zip_archive.h"
 #include "xun/templatefile/archive_password.h"
 #include "xun/templatefile/bas_template.h"
+#include "xun/templatefile/check_required.h"
 #include "xun/templatefile/file_layer.h"
 #include "xun/templatefile/write_sections.h"
 
@@ -86,32 +87,6 @@ void StoreIdentificationSummary(clsXUNTemplate& form) {
     if (keys.has_value) attributes->Add(prefix + "IDValue", Variant(question->IDValue()));
     attributes->Add(prefix + "IDAdd", Variant(question->IDAdd()));
   }
-}
-
-// The rule documented in docs/template-file.md: what a reader can work with.
-bool RegionIsValid(const clsXUNField& field) {
-  if (field.FieldName().empty()) return false;
-  if (field.RecognitionType() != xunRecogTypeOMR) return true;
-  if (field.Orient() != xunOrientationTypeOMRRow && field.Orient() != xunOrientationTypeOMRCol)
-    return false;
-  if (field.NumRows() <= 0 || field.NumCols() <= 0) return false;
-  if (field.FieldType() < xunFieldTypeOMRMult || field.FieldType() > xunFieldTypeOMRRank)
-    return true;
-  for (const auto& question : Members(field.Questions())) {
-    const auto choices = question->Choices();
-    const auto codes = question->Codes();
-    if (!choices || !codes || choices->Count() == 0 || choices->Count() != codes->Count())
-      return false;
-  }
-  return true;
-}
-
-bool TemplateIsValid(const clsXUNTemplate& form) {
-  if (form.NumPages() <= 0 || form.NumFields() <= 0 || form.NumItems() <= 0) return false;
-  for (const auto& page : Members(form.Pages()))
-    for (const auto& field : Members(page->Fields()))
-      if (!RegionIsValid(*field)) return false;
-  return true;
 }
 
 std::string BuildFileText(const clsXUNTemplate& form, bool valid) {
@@ -188,7 +163,8 @@ bool SaveTemplate(const std::string& sTemplateFile, clsXUNTemplate& oTemplate, b
     // per page. What could not be registered is reported; validity stays the file's own rule.
     xun::detail::RegisterForSave(oTemplate, bRegister, bVerbose);
 
-    const bool valid = TemplateIsValid(oTemplate);
+    // The reader's own checks, so a file written as valid is always read for reading.
+    const bool valid = detail::TemplateIsValid(oTemplate);
     xun::detail::TemplateInternals::SetValid(oTemplate, valid);
     if (bInvalid) *bInvalid = !valid;
 
