@@ -3,6 +3,7 @@
 
 #include "xun/export.h"
 #include "xun/model/bubble.h"
+#include "xun/model/bubble_grid.h"
 #include "xun/model/bubbles.h"
 #include "xun/model/enums.h"
 #include "xun/model/field.h"

@@ -49,7 +49,7 @@ void AddIDBarcode(const std::shared_ptr<clsXUNPage>& page, const std::string& na
   field->Questions()->Add(question);
 }
 
-// An OMR grid of bubbles laid out in rows; Update gives one question per row.
+// An OMR grid of bubbles; Update gives its questions.
 std::shared_ptr<clsXUNField> AddBubbles(const std::shared_ptr<clsXUNPage>& page,
                                         const std::string& name, xun::xunFieldType type,
                                         xun::xunOrientationType orient, int16_t rows, int16_t cols,
@@ -61,6 +61,7 @@ std::shared_ptr<clsXUNField> AddBubbles(const std::shared_ptr<clsXUNPage>& page,
   field->Orient(orient);
   field->NumRows(rows);
   field->NumCols(cols);
+  // The first bubble's corner 12 right of and 10 below the region's; 40 by 30 apart.
   field->StartCol(12);
   field->StartRow(10);
   field->ColGap(40);
@@ -247,7 +248,7 @@ bool WriteBatchFile(const std::filesystem::path& file) {
 }  // namespace
 
 // The page as a printer would put it on paper, at 100 dots per inch (the unit of region
-// coordinates): each region's outline, each OMR region's bubbles from its grid values.
+// coordinates): each region's outline, each OMR region's bubbles.
 bool DrawPage(const std::shared_ptr<clsXUNPage>& page, const std::filesystem::path& file) {
   try {
     Magick::InitializeMagick(nullptr);
@@ -260,12 +261,13 @@ bool DrawPage(const std::shared_ptr<clsXUNPage>& page, const std::filesystem::pa
     for (const auto& field : *page->Fields()) {
       image.draw(
           Magick::DrawableRectangle(field->Left(), field->Top(), field->Right(), field->Bottom()));
-      if (field->RecognitionType() != xun::xunRecogTypeOMR) continue;
-      for (int r = 0; r < field->NumRows(); ++r)
-        for (int c = 0; c < field->NumCols(); ++c) {
-          const int x = field->Left() + field->StartCol() + c * field->ColGap();
-          const int y = field->Top() + field->StartRow() + r * field->RowGap();
-          image.draw(Magick::DrawableEllipse(x + 10, y + 7, 10, 7, 0, 360));
+      // Where the library says the bubbles are, so the template reads the page it printed.
+      const xun::BubbleGrid grid = xun::BubbleGrid::Of(*field);
+      const double rx = grid.BubbleWidth() / 2.0, ry = grid.BubbleHeight() / 2.0;
+      for (int r = 1; r <= grid.NumRows(); ++r)
+        for (int c = 1; c <= grid.NumCols(); ++c) {
+          const xun::BubbleRect bubble = grid.Bubble(r, c);
+          image.draw(Magick::DrawableEllipse(bubble.Left + rx, bubble.Top + ry, rx, ry, 0, 360));
         }
     }
     image.write(file.string());

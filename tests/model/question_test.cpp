@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <array>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,7 +10,6 @@ namespace xun {
 namespace {
 
 using Strings = std::vector<std::string>;
-using Four = std::array<int16_t, 4>;
 
 Strings Entries(const std::shared_ptr<clsXUNStringItems>& list) {
   return list ? Strings(list->begin(), list->end()) : Strings{};
@@ -26,7 +23,7 @@ std::shared_ptr<clsXUNQuestion> NewQuestion(const Strings& choices = {}, std::st
   return question;
 }
 
-// An OMR region at (100, 200) whose grid starts 10 right and 20 down; cells are 30 by 40.
+// An OMR region at (100, 200) whose grid starts 10 right and 20 down, bubbles 30 by 40 apart.
 std::shared_ptr<clsXUNField> Omr(xunFieldType type, xunOrientationType orient, int16_t rows,
                                  int16_t cols, int questions = 0) {
   auto field = clsXUNField::Create();
@@ -155,66 +152,6 @@ TEST(Question, AllChoicesGatherAcrossTheLinkGroupInPageOrder) {
   own->AllChoices(set);
   EXPECT_EQ(own->AllChoices(), set);
   page->Free();
-}
-
-std::optional<Four> PlotOf(const std::shared_ptr<clsXUNQuestion>& q) {
-  Four v{};
-  return q->Plot(v[0], v[1], v[2], v[3]) ? std::optional(v) : std::nullopt;
-}
-// Top, left, bottom, right of bubble (col, row) of the question, or of all its bubbles.
-std::optional<Four> CellOf(const std::shared_ptr<clsXUNQuestion>& q, int16_t col, int16_t row) {
-  Four v{};
-  return q->LocateBubble(col, row, v[0], v[1], v[2], v[3]) ? std::optional(v) : std::nullopt;
-}
-std::optional<Four> LocateOf(const std::shared_ptr<clsXUNQuestion>& q) {
-  Four v{};
-  return q->Locate(v[0], v[1], v[2], v[3]) ? std::optional(v) : std::nullopt;
-}
-
-TEST(Question, GridGeometryByOrientation) {
-  testing::ScopedHandler handler;
-  // By rows, question 2 is row 2 across the four columns.
-  auto rows = Omr(xunFieldTypeOMRMult, xunOrientationTypeOMRRow, 3, 4, 4);
-  auto q = rows->Questions()->Item(2);
-  EXPECT_EQ(PlotOf(q), (Four{2, 2, 1, 4}));
-  EXPECT_EQ(CellOf(q, 3, 1), (Four{260, 170, 300, 200}));
-  EXPECT_EQ(LocateOf(q), (Four{260, 110, 300, 230}));
-  EXPECT_FALSE(CellOf(q, 5, 1) || CellOf(q, 1, 2) || CellOf(q, 0, 1));
-  EXPECT_FALSE(PlotOf(rows->Questions()->Item(4)));  // beyond the three rows
-
-  // By columns, question 2 is column 2 down the three rows.
-  auto cols = Omr(xunFieldTypeOMRMult, xunOrientationTypeOMRCol, 3, 4, 2);
-  q = cols->Questions()->Item(2);
-  EXPECT_EQ(PlotOf(q), (Four{1, 3, 2, 2}));
-  EXPECT_EQ(CellOf(q, 1, 3), (Four{300, 140, 340, 170}));
-  EXPECT_EQ(LocateOf(q), (Four{220, 140, 340, 170}));
-
-  // Boolean: question 6 is the sixth bubble in reading order.
-  auto by_rows = Omr(xunFieldTypeOMRBoolean, xunOrientationTypeOMRRow, 3, 4, 6);
-  EXPECT_EQ(PlotOf(by_rows->Questions()->Item(6)), (Four{2, 2, 2, 2}));
-  auto by_cols = Omr(xunFieldTypeOMRBoolean, xunOrientationTypeOMRCol, 3, 4, 13);
-  q = by_cols->Questions()->Item(6);
-  EXPECT_EQ(PlotOf(q), (Four{3, 3, 2, 2}));
-  EXPECT_EQ(LocateOf(q), (Four{300, 140, 340, 170}));
-  EXPECT_FALSE(CellOf(q, 2, 1));
-  EXPECT_FALSE(PlotOf(by_cols->Questions()->Item(13)));
-
-  // No grid: another orientation, another kind (Locate gives the region), no region.
-  auto unoriented = Omr(xunFieldTypeOMRMult, xunOrientationTypeNone, 3, 4, 1);
-  EXPECT_FALSE(PlotOf(unoriented->Questions()->Item(1)));
-  auto barcode = Omr(xunFieldTypeBarcodeAuto, xunOrientationTypeOMRRow, 3, 4, 1);
-  barcode->RecognitionType(xunRecogTypeBarcode);
-  barcode->Bottom(250);
-  barcode->Right(400);
-  EXPECT_FALSE(PlotOf(barcode->Questions()->Item(1)));
-  EXPECT_EQ(LocateOf(barcode->Questions()->Item(1)), (Four{200, 100, 250, 400}));
-  EXPECT_FALSE(LocateOf(NewQuestion()));
-  EXPECT_TRUE(handler.reports().empty());
-
-  rows->Top(32700);  // the last row's cell lies beyond 16 bits
-  EXPECT_FALSE(CellOf(rows->Questions()->Item(3), 1, 1));
-  EXPECT_FALSE(LocateOf(rows->Questions()->Item(3)));
-  EXPECT_EQ(handler.Locations(), (Strings{"clsXUNQuestion.LocateBubble", "clsXUNQuestion.Locate"}));
 }
 
 TEST(Questions, UpdateFollowsTheRegion) {

@@ -246,6 +246,94 @@ TEST_F(ItemLookup, IdentificationRules) {
   EXPECT_EQ(mult->NumIDs(xunIDTypeForm, true), 0);
 }
 
+// Every number the item list gives back leads to the same item: a question's ReturnIndex(True) is
+// the item GetQuestion answers it for, each region starts where GetItemIndex says, and there is a
+// name for every item NumItems counts.
+void ExpectOneItemList(const clsXUNTemplate& t) {
+  const int16_t items = t.NumItems();
+  const auto names = t.GetActualNames();
+  EXPECT_EQ(names.IsAllocated() ? names.UBound() : 0, items);
+  EXPECT_EQ(t.GetField(static_cast<int16_t>(items + 1)), nullptr);
+  for (int16_t i = 1; i <= items; ++i) {
+    SCOPED_TRACE(i);
+    const auto field = t.GetField(i);
+    ASSERT_NE(field, nullptr);
+    EXPECT_LE(field->ReturnIndex(true), i);
+    EXPECT_GT(field->ReturnIndex(true) + field->NumItems(), i);
+    if (const auto question = t.GetQuestion(i)) {
+      EXPECT_EQ(question->ReturnIndex(true), i);
+    }
+  }
+}
+
+// An OCR region with two hidden identification questions counts -1 items: it adds none, and
+// the regions after it are numbered as if it had none.
+TEST_F(ItemLookup, ARegionWithFewerItemsThanHiddenQuestionsAddsNone) {
+  ExpectOneItemList(*t);
+  auto ids = AddRegion(page1, xunRecogTypeOCR, xunFieldTypeOCRSimple, 1, 1, 2);
+  for (const auto& question : *ids->Questions())
+    question->IDType(xunIDTypeRespondent);
+  auto after = AddRegion(page1, xunRecogTypeOMR, xunFieldTypeOMRMult, 2, 4, 2);
+  ASSERT_EQ(ids->NumItems(), -1);
+  EXPECT_EQ(page1->NumItems(), 5);
+  EXPECT_EQ(t->NumItems(), 8);
+  EXPECT_EQ(page1->GetItemIndex(3, true), 3) << "no item: the count before it";
+  EXPECT_EQ(page1->GetItemIndex(4, true), 4);
+  EXPECT_EQ(after->ReturnIndex(true), 4);
+  EXPECT_EQ(after->Questions()->Item(1)->ReturnIndex(true), 4);
+  EXPECT_EQ(t->GetQuestion(4), after->Questions()->Item(1));
+  EXPECT_EQ(page2->ReturnIndex(true), 6);
+  EXPECT_EQ(
+      t->GetActualNames().Elements(),
+      (std::vector<std::string>{"R1Q2", "R1Q3", "R2Q1", "R4Q1", "R4Q2", "R1Q1", "first", "last"}));
+  ExpectOneItemList(*t);
+}
+
+// Each rule is checked over the whole template before the next, and the rules count regions.
+TEST_F(ItemLookup, IdentificationRulesInTheirOrderCountRegions) {
+  std::string why;
+  // Two respondent trackers in one region are one region.
+  for (int q = 1; q <= 2; ++q)
+    mult->Questions()->Item(q)->IDType(xunIDTypeRespondent);
+  EXPECT_TRUE(t->IDFieldsValid(xunIDTypeRespondent, false, &why)) << why;
+  // Page 1's tracker is not read and page 2 holds two: "at most one per page" comes first.
+  mult->Read(false);
+  for (const auto& region : {barcode, ocr})
+    region->Questions()->Item(1)->IDType(xunIDTypeRespondent);
+  AddRegion(page2, xunRecogTypeOCR, xunFieldTypeOCRSimple, 1, 1, 1)
+      ->Questions()
+      ->Item(1)
+      ->IDType(xunIDTypeRespondent);
+  EXPECT_FALSE(t->IDFieldsValid(xunIDTypeRespondent, false, &why));
+  EXPECT_EQ(why, "Page 1 contains more than one respondent tracker region.");
+  barcode->Questions()->Item(1)->IDType(xunIDTypeNone);
+  EXPECT_FALSE(t->IDFieldsValid(xunIDTypeRespondent, false, &why));
+  EXPECT_EQ(why, "Page 2 contains more than one respondent tracker region.");
+  page2->Fields()->Item(2)->Questions()->Item(1)->IDType(xunIDTypeNone);
+  EXPECT_FALSE(t->IDFieldsValid(xunIDTypeRespondent, false, &why));
+  EXPECT_EQ(why, "The respondent tracker region on page 1 must be read.");
+
+  // Page IDs: an unread region on page 1 waits until every page has its one region.
+  for (const auto& question : *mult->Questions())
+    question->IDType(xunIDTypePage);
+  EXPECT_FALSE(t->IDFieldsValid(xunIDTypePage, false, &why));
+  EXPECT_EQ(why, "Page 2 does not contain a page ID region.");
+  ocr->Questions()->Item(1)->IDType(xunIDTypePage);
+  EXPECT_FALSE(t->IDFieldsValid(xunIDTypePage, false, &why));
+  EXPECT_EQ(why, "The page ID region on page 1 must be read.");
+
+  // Two form ID questions of one region are one form ID region.
+  for (const auto& question : *mult->Questions()) {
+    question->IDType(xunIDTypeForm);
+    question->IDValue("F");
+  }
+  mult->Read(true);
+  EXPECT_TRUE(t->IDFieldsValid(xunIDTypeForm, false, &why)) << why;
+  ocr->Questions()->Item(1)->IDType(xunIDTypeForm);
+  EXPECT_FALSE(t->IDFieldsValid(xunIDTypeForm, false, &why));
+  EXPECT_EQ(why, "The template contains more than one form ID region.");
+}
+
 TEST(Template, SetErrorIsPerThreadAndDroppingATreeLeaksNothing) {
   auto t = clsXUNTemplate::Create();
   auto handler = std::make_shared<testing::RecordingHandler>();

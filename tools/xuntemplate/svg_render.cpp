@@ -99,28 +99,30 @@ void DrawImage(std::ostream& svg, const xun::clsXUNPage& page, double width, dou
       << "\"/>\n";
 }
 
+// Each bubble as the ellipse inside its rectangle, where the library places it (registered or
+// from the grid values), so the drawing lies on the bubbles printed on the page image.
 void DrawBubbles(std::ostream& svg, const xun::clsXUNField& f, const char* colour, int64_t& budget,
                  std::vector<std::string>& notes) {
   if (f.RecognitionType() != xun::xunRecogTypeOMR || f.NumRows() <= 0 || f.NumCols() <= 0) return;
-  if (f.RowGap() <= 0 || f.ColGap() <= 0) {
-    notes.push_back("region '" + f.FieldName() + "': no bubble grid drawn, its gaps are not set");
-    return;
-  }
   const int64_t count = int64_t{f.NumRows()} * f.NumCols();
   if (count > budget) {
     notes.push_back("region '" + f.FieldName() + "': " + std::to_string(count) +
                     " bubbles are too many to draw");
     return;
   }
+  const xun::BubbleGrid grid = xun::BubbleGrid::Of(f);
+  if (grid.Empty()) {
+    notes.push_back("region '" + f.FieldName() + "': no bubble grid drawn, its gaps are not set");
+    return;
+  }
   budget -= count;
-  const double rx = std::max(2.0, f.ColGap() * 0.3), ry = std::max(2.0, f.RowGap() * 0.3);
-  svg << "<g class=\"bubbles\" fill=\"none\" stroke=\"" << colour << "\" stroke-width=\"1.5\">\n";
-  for (int32_t r = 0; r < f.NumRows(); ++r) {
-    const double top = f.Top() + f.StartRow() + r * static_cast<double>(f.RowGap());
-    for (int32_t c = 0; c < f.NumCols(); ++c) {
-      const double left = f.Left() + f.StartCol() + c * static_cast<double>(f.ColGap());
-      svg << "<ellipse cx=\"" << N(left + f.ColGap() / 2.0) << "\" cy=\""
-          << N(top + f.RowGap() / 2.0) << "\" rx=\"" << N(rx) << "\" ry=\"" << N(ry) << "\"/>\n";
+  const double rx = grid.BubbleWidth() / 2.0, ry = grid.BubbleHeight() / 2.0;
+  svg << "<g class=\"bubbles\" fill=\"none\" stroke=\"" << colour << "\" stroke-width=\"2\">\n";
+  for (int32_t r = 1; r <= grid.NumRows(); ++r) {
+    for (int32_t c = 1; c <= grid.NumCols(); ++c) {
+      const xun::BubbleRect bubble = grid.Bubble(r, c);
+      svg << "<ellipse cx=\"" << N(bubble.Left + rx) << "\" cy=\"" << N(bubble.Top + ry)
+          << "\" rx=\"" << N(rx) << "\" ry=\"" << N(ry) << "\"/>\n";
     }
   }
   svg << "</g>\n";

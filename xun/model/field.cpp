@@ -198,9 +198,12 @@ std::shared_ptr<clsXUNField> clsXUNField::Copy(bool bKeepLink, bool bKeepKey,
         copy->questions_->Add(question->Copy());
     }
     if (extra_) {
-      // Values only: extra values are written and read back without keys anyway.
+      // With their keys: a named setting must not turn into one more unnamed value, which would
+      // break the registration layout those values carry.
       copy->extra_ = clsXUNFieldExtra::Create();
-      copy->extra_->AddArray(extra_->AsArray());
+      for (int32_t position = 1; position <= extra_->Count(); ++position)
+        if (!copy->extra_->Add(extra_->Item(position), extra_->KeyOf(position)))
+          Raise(kErrInvalidCall);
     }
     if (db_) copy->db_ = db_->Copy();
     return copy;

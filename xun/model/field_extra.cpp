@@ -61,6 +61,11 @@ void clsXUNFieldExtra::Item(const Index& index, int16_t value) {
   items_.Remove(index);
 }
 
+std::optional<std::string> clsXUNFieldExtra::KeyOf(const Index& index) const {
+  if (!items_.Exists(index)) return std::nullopt;
+  return items_.KeyOf(index);
+}
+
 std::string clsXUNFieldExtra::AsString(const std::string& sDelimiter) const {
   return Trap("clsXUNFieldExtra.AsString", std::string(), [&] {
     std::string joined;

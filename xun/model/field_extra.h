@@ -47,6 +47,9 @@ class XUN_API clsXUNFieldExtra : public Object {
   void Item(const Index& index, int16_t value);
 
   bool Exists(const Index& index) const noexcept { return items_.Exists(index); }
+  // The key of the entry at `index`; nullopt when it has none or there is no such entry. Keyed
+  // entries are named settings, apart from the unnamed values of a registration.
+  std::optional<std::string> KeyOf(const Index& index) const;
 
   // The values in plain decimal, joined with `sDelimiter` between them.
   std::string AsString(const std::string& sDelimiter = "\t") const;

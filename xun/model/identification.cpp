@@ -19,13 +19,15 @@ bool HasRole(const clsXUNQuestion& question, xunIDType role) {
   return role == xunIDTypeAny ? question.IDType() >= xunIDTypeForm : question.IDType() == role;
 }
 
-// One question of a role, with where it stands.
+// One region holding a role, with where it stands and its first question of that role.
 struct Found {
   int32_t page = 0;  // 1-based
   std::shared_ptr<clsXUNField> field;
   std::shared_ptr<clsXUNQuestion> question;
 };
 
+// Every region with a question of the role, once each, in template order: the rules count
+// regions, not questions.
 std::vector<Found> FindRole(const clsXUNTemplate& oTemplate, xunIDType role) {
   std::vector<Found> found;
   const auto pages = oTemplate.Pages();
@@ -37,17 +39,29 @@ std::vector<Found> FindRole(const clsXUNTemplate& oTemplate, xunIDType role) {
     for (const auto& field : *page->Fields()) {
       if (!field->Questions()) continue;
       for (const auto& question : *field->Questions())
-        if (HasRole(*question, role)) found.push_back(Found{page_number, field, question});
+        if (HasRole(*question, role)) {
+          found.push_back(Found{page_number, field, question});
+          break;
+        }
     }
   }
   return found;
+}
+
+// The regions of a role on each page, by page number.
+std::map<int32_t, std::vector<const Found*>> ByPage(const std::vector<Found>& found) {
+  std::map<int32_t, std::vector<const Found*>> by_page;
+  for (const Found& f : found)
+    by_page[f.page].push_back(&f);
+  return by_page;
 }
 
 std::string PageText(int32_t page) {
   return std::to_string(page);
 }
 
-// The reason the role's regions are not valid, or empty text when they are.
+// The reason the role's regions are not valid, or empty text when they are. Each rule is checked
+// over the whole template before the next, in the documented order.
 std::string CheckFormID(const clsXUNTemplate& t) {
   const auto found = FindRole(t, xunIDTypeForm);
   if (found.empty()) return "The template does not contain a form ID region.";
@@ -60,24 +74,25 @@ std::string CheckFormID(const clsXUNTemplate& t) {
 }
 
 std::string CheckPageID(const clsXUNTemplate& t) {
-  const auto found = FindRole(t, xunIDTypePage);
-  std::map<int32_t, std::vector<const Found*>> by_page;
-  for (const Found& f : found)
-    by_page[f.page].push_back(&f);
   const int32_t pages = t.Pages() ? t.Pages()->Count() : 0;
   if (pages == 0) return "The template does not contain any pages.";
-  std::map<std::string, int32_t> page_of_value;
+  const auto found = FindRole(t, xunIDTypePage);
+  auto by_page = ByPage(found);
   for (int32_t page = 1; page <= pages; ++page) {
     const auto& here = by_page[page];
     if (here.empty()) return "Page " + PageText(page) + " does not contain a page ID region.";
     if (here.size() > 1)
       return "Page " + PageText(page) + " contains more than one page ID region.";
-    if (!here[0]->field->Read())
+  }
+  for (int32_t page = 1; page <= pages; ++page)
+    if (!by_page[page][0]->field->Read())
       return "The page ID region on page " + PageText(page) + " must be read.";
-    const std::string& value = here[0]->question->IDValue();
-    if (value.empty())
+  for (int32_t page = 1; page <= pages; ++page)
+    if (by_page[page][0]->question->IDValue().empty())
       return "The page ID region on page " + PageText(page) + " does not have a page ID value.";
-    const auto [it, fresh] = page_of_value.emplace(value, page);
+  std::map<std::string, int32_t> page_of_value;
+  for (int32_t page = 1; page <= pages; ++page) {
+    const auto [it, fresh] = page_of_value.emplace(by_page[page][0]->question->IDValue(), page);
     if (!fresh)
       return "Pages " + PageText(it->second) + " and " + PageText(page) +
              " have the same page ID value.";
@@ -88,13 +103,12 @@ std::string CheckPageID(const clsXUNTemplate& t) {
 std::string CheckRespondent(const clsXUNTemplate& t) {
   const auto found = FindRole(t, xunIDTypeRespondent);
   if (found.empty()) return "The template does not contain a respondent tracker region.";
-  std::map<int32_t, int> per_page;
-  for (const Found& f : found) {
-    if (++per_page[f.page] > 1)
-      return "Page " + PageText(f.page) + " contains more than one respondent tracker region.";
+  for (const auto& [page, here] : ByPage(found))
+    if (here.size() > 1)
+      return "Page " + PageText(page) + " contains more than one respondent tracker region.";
+  for (const Found& f : found)
     if (!f.field->Read())
       return "The respondent tracker region on page " + PageText(f.page) + " must be read.";
-  }
   return {};
 }
 

@@ -1,4 +1,5 @@
 // The template's running item list: which question and region stand behind each item number.
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,10 @@ namespace detail {
 
 bool IsHiddenQuestion(const clsXUNQuestion& question) {
   return question.IDType() >= xunIDTypeForm && !question.IDAdd();
+}
+
+int16_t ItemShare(const clsXUNField& field) {
+  return std::max<int16_t>(field.NumItems(), 0);
 }
 
 }  // namespace detail

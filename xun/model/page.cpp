@@ -5,6 +5,7 @@
 #include <system_error>
 #include <unordered_map>
 
+#include "xun/model/item_walk.h"
 #include "xun/model/pages.h"
 #include "xun/model/template.h"
 #include "xun/support/file_helpers.h"
@@ -72,11 +73,8 @@ void clsXUNPage::Fields(std::shared_ptr<clsXUNFields> value) {
 
 int16_t clsXUNPage::NumItems() const {
   return Trap("clsXUNPage.NumItems", int16_t{0}, [&] {
-    // Every region's own count: linked regions after the first already give 0.
-    int16_t count = 0;
-    for (const std::shared_ptr<clsXUNField>& field : FieldList(fields_))
-      count = Add16(count, field->NumItems());
-    return count;
+    // Linked regions after the first already give 0.
+    return detail::WalkRegions(*this, 0, [](const detail::RegionSlot&) { return true; });
   });
 }
 
@@ -211,17 +209,17 @@ std::shared_ptr<clsXUNPage> clsXUNPage::Copy(bool bKeepKey, bool bCopyAttributes
 
 int16_t clsXUNPage::GetItemIndex(int16_t iFieldIndex, bool bStart) const {
   return Trap("clsXUNPage.GetItemIndex", int16_t{0}, [&] {
-    const clsXUNFields& fields = FieldList(fields_);
-    if (!fields.Exists(iFieldIndex)) return int16_t{0};
-    const std::shared_ptr<clsXUNField> target = fields.Item(iFieldIndex);
-    int16_t index = 0, position = 0;
-    for (const std::shared_ptr<clsXUNField>& field : fields) {
-      if (++position >= iFieldIndex) break;
-      index = Add16(index, field->NumItems());
-    }
-    const int16_t items = target->NumItems();
-    if (!bStart) return Add16(index, items);
-    return items > 0 ? Add16(index, 1) : index;
+    if (!FieldList(fields_).Exists(iFieldIndex)) return int16_t{0};
+    int16_t index = 0;
+    detail::WalkRegions(*this, 0, [&](const detail::RegionSlot& slot) {
+      if (slot.position < iFieldIndex) return true;
+      if (!bStart)
+        index = Add16(slot.before, slot.items);
+      else
+        index = slot.items > 0 ? Add16(slot.before, 1) : slot.before;
+      return false;
+    });
+    return index;
   });
 }
 

@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "xun/model/bubble_grid.h"
 #include "xun/model/field.h"
 #include "xun/model/fields.h"
 #include "xun/model/page.h"
@@ -69,6 +70,13 @@ struct GridSpan {
   int16_t first_row, last_row, first_col, last_col;
 };
 
+// Whether the region's one item is read from its whole grid (grid, add, binary, list), rather
+// than an item per line (multiple, rank) or per bubble (boolean).
+bool ReadsWholeGrid(xunFieldType type) {
+  return type != xunFieldTypeOMRMult && type != xunFieldTypeOMRRank &&
+         type != xunFieldTypeOMRBoolean;
+}
+
 // Where question `position` of the region lies in its grid; nullopt when it has no bubbles
 // there (not an OMR region, another orientation, or beyond the grid).
 std::optional<GridSpan> PlotIn(const clsXUNField& field, int32_t position) {
@@ -78,6 +86,10 @@ std::optional<GridSpan> PlotIn(const clsXUNField& field, int32_t position) {
   const int16_t rows = field.NumRows();
   const int16_t cols = field.NumCols();
   if (rows < 1 || cols < 1) return std::nullopt;
+  if (ReadsWholeGrid(field.FieldType())) {
+    if (position > 1) return std::nullopt;
+    return GridSpan{1, rows, 1, cols};
+  }
   if (field.FieldType() == xunFieldTypeOMRBoolean) {
     // Every bubble is a question of its own, taken in reading order.
     if (position > Mul16(rows, cols)) return std::nullopt;
@@ -97,16 +109,63 @@ std::optional<GridSpan> PlotIn(const clsXUNField& field, int32_t position) {
   return GridSpan{1, rows, col, col};
 }
 
-struct Rect {
-  int16_t top, left, bottom, right;
-};
-
-// The pixel cell of grid row `row`, column `col` (1-based). The grid origin is an offset from
-// the region's corner, so the grid moves with the region.
-Rect CellAt(const clsXUNField& field, int32_t row, int32_t col) {
-  const int16_t left = Add16(Add16(field.Left(), field.StartCol()), Mul16(col - 1, field.ColGap()));
-  const int16_t top = Add16(Add16(field.Top(), field.StartRow()), Mul16(row - 1, field.RowGap()));
-  return Rect{top, left, Add16(top, field.RowGap()), Add16(left, field.ColGap())};
+// The number of characters the widest value of the question can have. A whole-grid region's
+// value is made of its lines (rows by Orient 1, columns by Orient 2), each marked with one of the
+// question's codes; other questions give one code.
+size_t SchemaWidth(const clsXUNField* field, const clsXUNStringItems* codes) {
+  size_t longest = 0, all = 0;
+  double magnitude = 0;  // of all codes, read as numbers
+  size_t decimals = 0;   // the most digits after a decimal point in one code
+  bool negative = false;
+  if (codes) {
+    for (const std::string& code : *codes) {
+      const size_t length = text::Utf16Length(code);
+      longest = std::max(longest, length);
+      all += length;
+      const double value = Val(code);
+      magnitude += std::fabs(value);
+      negative = negative || value < 0;
+      if (const size_t point = code.find('.'); point != std::string::npos && value != 0)
+        decimals = std::max(decimals, code.size() - point - 1);
+    }
+  }
+  const xunOrientationType orient = field ? field->Orient() : xunOrientationTypeNone;
+  if (!field || field->RecognitionType() != xunRecogTypeOMR ||
+      !ReadsWholeGrid(field->FieldType()) ||
+      (orient != xunOrientationTypeOMRRow && orient != xunOrientationTypeOMRCol))
+    return std::max<size_t>(longest, 1);
+  const size_t rows = static_cast<size_t>(std::max<int16_t>(field->NumRows(), 0));
+  const size_t cols = static_cast<size_t>(std::max<int16_t>(field->NumCols(), 0));
+  const size_t lines = orient == xunOrientationTypeOMRRow ? rows : cols;
+  const auto digits = [](double value) {
+    return value < 10 ? size_t{1} : static_cast<size_t>(std::floor(std::log10(value))) + 1;
+  };
+  size_t width = 0;
+  switch (field->FieldType()) {
+    case xunFieldTypeOMRAdd: {
+      // The sum of the marked bubbles' codes read as numbers; at most every bubble of every line
+      // is marked.
+      const double most = magnitude * static_cast<double>(lines);
+      if (!std::isfinite(most)) return std::max<size_t>(longest, 1);
+      width = digits(most) + (negative ? 1 : 0) + (decimals > 0 ? decimals + 1 : 0);
+      break;
+    }
+    case xunFieldTypeOMRBinary:
+      // Every bubble is one bit of a whole number written in decimal: 2^bubbles - 1 at most.
+      width = rows * cols == 0 ? 1
+                               : static_cast<size_t>(std::floor(static_cast<double>(rows * cols) *
+                                                                std::log10(2.0))) +
+                                     1;
+      break;
+    case xunFieldTypeOMRList:
+      // The codes of every marked bubble, in reading order; every bubble may be marked.
+      width = lines * all;
+      break;
+    default:
+      // A grid writes one code per line: a six-column number is six characters.
+      width = lines * std::max<size_t>(longest, 1);
+  }
+  return std::max<size_t>(width, 1);
 }
 
 }  // namespace
@@ -130,10 +189,7 @@ std::string clsXUNQuestion::Schema(bool bRefresh) {
       const char* type = data_type == xunDataTypeNumeric        ? "Numeric"
                          : data_type == xunDataTypeAlphaNumeric ? "AlphaNumeric"
                                                                 : "Text";
-      size_t width = 1;
-      if (codes_)
-        for (const std::string& code : *codes_)
-          width = std::max(width, text::Utf16Length(code));
+      const size_t width = SchemaWidth(field.get(), codes_.get());
       schema_ = question_name_ + "," + type + "," + std::to_string(width);
     }
     return *schema_;
@@ -230,11 +286,13 @@ bool clsXUNQuestion::LocateBubble(int16_t iColIndex, int16_t iRowIndex, int16_t&
     const int32_t row = span->first_row + iRowIndex - 1;
     const int32_t col = span->first_col + iColIndex - 1;
     if (row > span->last_row || col > span->last_col) return false;
-    const Rect cell = CellAt(*field, row, col);
-    iTop = cell.top;
-    iLeft = cell.left;
-    iBottom = cell.bottom;
-    iRight = cell.right;
+    const BubbleGrid grid = detail::GridOf(*field);
+    if (grid.Empty()) return false;
+    const BubbleRect bubble = grid.Bubble(row, col);
+    iTop = bubble.Top;
+    iLeft = bubble.Left;
+    iBottom = bubble.Bottom;
+    iRight = bubble.Right;
     return true;
   });
 }
@@ -253,12 +311,14 @@ bool clsXUNQuestion::Locate(int16_t& iTop, int16_t& iLeft, int16_t& iBottom,
     }
     const std::optional<GridSpan> span = PlotIn(*field, PositionOf(*this));
     if (!span) return false;
-    const Rect first = CellAt(*field, span->first_row, span->first_col);
-    const Rect last = CellAt(*field, span->last_row, span->last_col);
-    iTop = first.top;
-    iLeft = first.left;
-    iBottom = last.bottom;
-    iRight = last.right;
+    const BubbleGrid grid = detail::GridOf(*field);
+    if (grid.Empty()) return false;
+    const BubbleRect all =
+        grid.Enclosing(span->first_row, span->last_row, span->first_col, span->last_col);
+    iTop = all.Top;
+    iLeft = all.Left;
+    iBottom = all.Bottom;
+    iRight = all.Right;
     return true;
   });
 }

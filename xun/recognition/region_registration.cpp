@@ -6,6 +6,8 @@
 #include "xun/model/bubble.h"
 #include "xun/model/bubbles.h"
 #include "xun/model/field.h"
+#include "xun/model/field_extra.h"
+#include "xun/model/grid_registration.h"
 #include "xun/model/page.h"
 #include "xun/recognition/bas_externs.h"
 #include "xun/recognition/bas_image.h"
@@ -17,17 +19,9 @@
 namespace xun {
 namespace {
 
-// Extra: rows, columns, bubble width and height, then the column and row offsets, then the
-// fill of every bubble by rows.
-constexpr int32_t kExtraHeader = 4;
-
 // The engine's result array: rows and columns found, bubble width and height, one element of its
 // own, then the left edge of every column and the top edge of every row.
 constexpr int32_t kResultHeader = 5;
-
-int32_t ExtraCount(int32_t rows, int32_t cols) {
-  return kExtraHeader + cols + rows + rows * cols;
-}
 
 bool HasRectangle(const clsXUNField& field) {
   return field.Right() > field.Left() && field.Bottom() > field.Top();
@@ -122,9 +116,7 @@ int16_t RegisterOMR(const std::shared_ptr<clsXUNField>& oField) {
 bool clsXUNField::IsRegistered() {
   return Trap("clsXUNField.IsRegistered", false, [&] {
     if (recognition_type_ != xunRecogTypeOMR) return true;
-    if (!extra_ || !HasGrid(*this)) return false;
-    return extra_->Count() == ExtraCount(num_rows_, num_cols_) && extra_->Item(1) == num_rows_ &&
-           extra_->Item(2) == num_cols_ && extra_->Item(3) > 0 && extra_->Item(4) > 0;
+    return HasGrid(*this) && detail::ReadRegistration(*this).has_value();
   });
 }
 
@@ -184,34 +176,30 @@ bool clsXUNField::BuildExtra(const std::shared_ptr<clsXUNBubbles>& oBubbles) {
       throw RuntimeError(kErrInvalidCall, "The bubbles have no size.");
 
     // Built whole first, so a failure leaves the old registration in place.
-    std::vector<int16_t> values = {num_rows_, num_cols_, first->Width(), first->Height()};
+    detail::GridRegistration found;
+    found.rows = num_rows_;
+    found.cols = num_cols_;
+    found.width = first->Width();
+    found.height = first->Height();
     for (int32_t c = 0; c < cols; ++c)
-      values.push_back(Sub16(bubble(0, c)->Left(), left_));
+      found.lefts.push_back(Sub16(bubble(0, c)->Left(), left_));
     for (int32_t r = 0; r < rows; ++r)
-      values.push_back(Sub16(bubble(r, 0)->Top(), top_));
+      found.tops.push_back(Sub16(bubble(r, 0)->Top(), top_));
     for (int32_t r = 0; r < rows; ++r)
       for (int32_t c = 0; c < cols; ++c)
-        values.push_back(bubble(r, c)->PercentFilled());
+        found.fills.push_back(bubble(r, c)->PercentFilled());
 
-    // The grid geometry follows what was found: the first bubble's offset and the mean pitch.
-    const int16_t start_col = values[kExtraHeader];
-    const int16_t start_row = values[static_cast<size_t>(kExtraHeader + cols)];
+    // The grid values follow what was found: the first bubble's offset and the mean pitch.
     int16_t col_gap = col_gap_, row_gap = row_gap_;
     if (cols > 1)
-      col_gap = CInt(
-          static_cast<double>(values[static_cast<size_t>(kExtraHeader + cols - 1)] - start_col) /
-          (cols - 1));
+      col_gap = CInt(static_cast<double>(found.lefts.back() - found.lefts.front()) / (cols - 1));
     if (rows > 1)
-      row_gap = CInt(static_cast<double>(
-                         values[static_cast<size_t>(kExtraHeader + cols + rows - 1)] - start_row) /
-                     (rows - 1));
+      row_gap = CInt(static_cast<double>(found.tops.back() - found.tops.front()) / (rows - 1));
 
     if (!extra_) extra_ = clsXUNFieldExtra::Create();
-    extra_->RemoveAll();
-    for (const int16_t value : values)
-      extra_->Add(value);
-    start_col_ = start_col;
-    start_row_ = start_row;
+    detail::WriteRegistration(*extra_, found);
+    start_col_ = found.lefts.front();
+    start_row_ = found.tops.front();
     col_gap_ = col_gap;
     row_gap_ = row_gap;
     return true;

@@ -1,8 +1,10 @@
 #!/usr/bin/env python3
-"""Checks that a screenshot shows a drawing: pixel colours at given places, and how many pixels
-are near a colour. Standard library only (the PNG is decoded here with zlib).
+"""Checks that a screenshot shows a drawing: pixel colours at given places, a colour somewhere
+within R pixels of a place (a line drawn with anti-aliased edges), and how many pixels are near
+a colour. Standard library only (the PNG is decoded here with zlib).
 
-  check_png.py FILE [--pixel X,Y,RRGGBB]... [--count RRGGBB,MIN]...
+  check_png.py FILE [--pixel X,Y,RRGGBB]... [--near X,Y,RRGGBB,R]... [--count RRGGBB,MIN]...
+  check_png.py FILE --args-from LIST   (more checks, one "--flag value" pair a line)
 """
 import struct
 import sys
@@ -65,11 +67,20 @@ def rgb_of(text):
 def main():
     path, checks = sys.argv[1], sys.argv[2:]
     width, height, channels, rows = decode(path)
-    failures, pixels, counts = [], [], []
+    failures, pixels, nears, counts = [], [], [], []
+    pairs = []
     for flag, value in zip(checks[::2], checks[1::2]):
+        if flag == "--args-from":
+            pairs += [tuple(line.split()) for line in open(value) if line.strip()]
+        else:
+            pairs.append((flag, value))
+    for flag, value in pairs:
         if flag == "--pixel":
             x, y, rgb = value.split(",")
             pixels.append((int(x), int(y), rgb))
+        elif flag == "--near":
+            x, y, rgb, radius = value.split(",")
+            nears.append((int(x), int(y), rgb, int(radius)))
         elif flag == "--count":
             rgb, minimum = value.split(",")
             counts.append((rgb, rgb_of(rgb), int(minimum)))
@@ -82,6 +93,12 @@ def main():
         found = tuple(rows[y][x * channels:x * channels + 3])
         if not near(found, rgb_of(rgb)):
             failures.append(f"pixel {x},{y} is {found}, expected near #{rgb}")
+    for x, y, rgb, radius in nears:
+        around = [tuple(rows[j][i * channels:i * channels + 3])
+                  for j in range(max(y - radius, 0), min(y + radius + 1, height))
+                  for i in range(max(x - radius, 0), min(x + radius + 1, width))]
+        if not any(near(pixel, rgb_of(rgb)) for pixel in around):
+            failures.append(f"no pixel near #{rgb} within {radius} of {x},{y}")
     # One pass over the picture for every colour counted.
     found = [0] * len(counts)
     for row in rows:
@@ -94,7 +111,9 @@ def main():
         if n < minimum:
             failures.append(f"{n} pixels near #{rgb}, expected at least {minimum}")
     if failures:
-        sys.exit(f"{path}: " + "; ".join(failures))
+        # The first few say enough; a shifted grid would otherwise fill the log.
+        more = f"; and {len(failures) - 10} more" if len(failures) > 10 else ""
+        sys.exit(f"{path}: " + "; ".join(failures[:10]) + more)
 
 
 main()

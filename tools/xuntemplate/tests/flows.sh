@@ -147,6 +147,32 @@ render)
   screenshot linked.svg linked.png 1160,960
   python3 "$check_png" linked.png --pixel 1100,500,ffffff --pixel 1140,500,e6e6e6 \
     --pixel 400,165,d62728 --count d62728,300 --count 2ca02c,1500 --count ff7f0e,800
+  # The scanned exam: its page image is the page as printed, and the bubbles drawn over it must
+  # lie on the printed ones. The drawn ellipses say where the library puts each bubble; the same
+  # SVG without its regions shows the print alone. At each bubble's left, right, top and bottom
+  # the print has ink and the drawing its stroke; at its centre the print is paper.
+  "$tool" render "$examples/scanned.omr" -o scanned.svg >/dev/null
+  python3 - <<'PY'
+import re
+svg = open("scanned.svg").read()
+x0, y0 = (float(v) for v in re.search(r'viewBox="(\S+) (\S+) ', svg).groups())
+bubbles = re.findall(r'<ellipse cx="(\S+)" cy="(\S+)" rx="(\S+)" ry="(\S+)"/>', svg)
+if len(bubbles) != 80:
+    raise SystemExit(f"FAIL: {len(bubbles)} bubbles drawn, the scanned exam has 80")
+with open("printed.txt", "w") as printed, open("drawn.txt", "w") as drawn:
+    for cx, cy, rx, ry in ((float(v) for v in b) for b in bubbles):
+        x, y = cx - x0, cy - y0  # the picture's pixel of a page position
+        for px, py in ((x - rx, y), (x + rx, y), (x, y - ry), (x, y + ry)):
+            printed.write(f"--near {round(px)},{round(py)},000000,1\n")
+            drawn.write(f"--near {round(px)},{round(py)},1f77b4,1\n")
+        printed.write(f"--pixel {int(x)},{int(y)},ffffff\n")
+open("printed.svg", "w").write(re.sub(r'<g class="region .*?</text>\n</g>\n', "", svg, flags=re.S))
+PY
+  grep -q "<ellipse" printed.svg && fail "printed.svg still has the drawn bubbles"
+  screenshot scanned.svg scanned.png 910,1250
+  screenshot printed.svg printed.png 910,1250
+  python3 "$check_png" printed.png --args-from printed.txt
+  python3 "$check_png" scanned.png --args-from drawn.txt
   ;;
 checklines)
   # Warnings name the same lines in a UTF-16 file; an archive has no lines to name.
