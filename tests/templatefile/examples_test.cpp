@@ -123,6 +123,30 @@ TEST(Examples, ScannedExamReadsWithItsPageImage) {
   EXPECT_FALSE(std::filesystem::exists(image)) << "the page's own copy goes with the page";
 }
 
+// The exam's student number is one question over six columns of ten digits: a host sizing its
+// data column from Schema must get six characters, and the question all 60 bubbles.
+TEST(Examples, ExamStudentNumberCoversItsWholeGrid) {
+  testing::ScopedHandler handler;
+  auto form = clsXUNTemplate::Create();
+  ASSERT_TRUE(form->Read(std::string(XUN_EXAMPLES_DIR) + "/exam.omr", false));
+  const auto student = form->Pages()->Item(1)->Fields()->Item(2);
+  ASSERT_EQ(student->FieldName(), "Student");
+  const auto question = student->Questions()->Item(1);
+  EXPECT_EQ(question->Schema(), "Student,Numeric,6");
+  int16_t first_row = 0, last_row = 0, first_col = 0, last_col = 0;
+  ASSERT_TRUE(question->Plot(first_row, last_row, first_col, last_col));
+  EXPECT_EQ((std::vector<int16_t>{first_row, last_row, first_col, last_col}),
+            (std::vector<int16_t>{1, 10, 1, 6}));
+  int16_t top = 0, left = 0, bottom = 0, right = 0;
+  ASSERT_TRUE(question->Locate(top, left, bottom, right));
+  const BubbleRect all = BubbleGrid::Of(*student).Enclosing(1, 10, 1, 6);
+  EXPECT_EQ((std::vector<int16_t>{top, left, bottom, right}),
+            (std::vector<int16_t>{all.Top, all.Left, all.Bottom, all.Right}));
+  EXPECT_EQ(right - left, 5 * student->ColGap() + student->ColGap() / 2) << "six columns wide";
+  EXPECT_TRUE(handler.reports().empty());
+  form->Free();
+}
+
 // The survey carries text Windows-1252 cannot hold, so it must stay UTF-16 through a save.
 TEST(Examples, SurveyKeepsItsNonLatinText) {
   const std::string file = std::string(XUN_EXAMPLES_DIR) + "/survey.omr";
