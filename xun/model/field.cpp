@@ -195,13 +195,10 @@ std::shared_ptr<clsXUNField> clsXUNField::Copy(bool bKeepLink, bool bKeepKey,
     // copy relies on that to re-point image-link regions.
     if (questions_) {
       for (const std::shared_ptr<clsXUNQuestion>& question : *questions_)
-        copy->questions_->Add(question->Copy());
+        detail::QuestionsInternals::Add(*copy->questions_, question->Copy());
     }
-    if (extra_) {
-      // Values only: extra values are written and read back without keys anyway.
-      copy->extra_ = clsXUNFieldExtra::Create();
-      copy->extra_->AddArray(extra_->AsArray());
-    }
+    // Named values too: the older region settings they hold are saved with the region.
+    if (extra_) copy->extra_ = extra_->Copy();
     if (db_) copy->db_ = db_->Copy();
     return copy;
   });

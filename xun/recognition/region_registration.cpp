@@ -123,8 +123,10 @@ bool clsXUNField::IsRegistered() {
   return Trap("clsXUNField.IsRegistered", false, [&] {
     if (recognition_type_ != xunRecogTypeOMR) return true;
     if (!extra_ || !HasGrid(*this)) return false;
-    return extra_->Count() == ExtraCount(num_rows_, num_cols_) && extra_->Item(1) == num_rows_ &&
-           extra_->Item(2) == num_cols_ && extra_->Item(3) > 0 && extra_->Item(4) > 0;
+    // The layout is that of the unnamed values: named ones never count.
+    const std::vector<int16_t> values = extra_->UnnamedValues();
+    return std::ssize(values) == ExtraCount(num_rows_, num_cols_) && values[0] == num_rows_ &&
+           values[1] == num_cols_ && values[2] > 0 && values[3] > 0;
   });
 }
 
@@ -207,9 +209,8 @@ bool clsXUNField::BuildExtra(const std::shared_ptr<clsXUNBubbles>& oBubbles) {
                      (rows - 1));
 
     if (!extra_) extra_ = clsXUNFieldExtra::Create();
-    extra_->RemoveAll();
-    for (const int16_t value : values)
-      extra_->Add(value);
+    // Named values (older region settings) stay.
+    if (!extra_->ReplaceUnnamedValues(values)) return false;
     start_col_ = start_col;
     start_row_ = start_row;
     col_gap_ = col_gap;
