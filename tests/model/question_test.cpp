@@ -59,6 +59,24 @@ TEST(Question, Defaults) {
   EXPECT_EQ(question->Choices()->Count() + question->Codes()->Count(), 0);
 }
 
+// A host gets a region's questions from Update: the list's own adding and removing, and the
+// timing-mark list's RemoveAll, are not in the public interface.
+template <class List>
+concept HostCanAdd = requires(List& list, std::shared_ptr<clsXUNQuestion> q) {
+  list.Add(q);
+};
+template <class List>
+concept HostCanRemove = requires(List& list) {
+  list.Remove(1);
+};
+template <class List>
+concept HostCanRemoveAll = requires(List& list) {
+  list.RemoveAll();
+};
+static_assert(!HostCanAdd<clsXUNQuestions> && !HostCanRemove<clsXUNQuestions> &&
+              !HostCanRemoveAll<clsXUNQuestions> && !HostCanRemoveAll<clsXUNTimingMarks>);
+static_assert(HostCanRemoveAll<clsXUNStringItems>, "the check itself sees public members");
+
 // Adding and removing are the library's own (the reader, copies).
 TEST(Questions, KeyRulesAndRemoval) {
   using Internals = detail::QuestionsInternals;

@@ -6,10 +6,10 @@
 #include <functional>
 #include <initializer_list>
 #include <set>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <variant>
-#include <string>
 
 #include "common/test_support.h"
 #include "common/tree_description.h"
@@ -211,8 +211,8 @@ std::shared_ptr<clsXUNTemplate> KitchenSink(const std::string& script) {
                                     xunFieldTypeOCRTesseract};
   const xunDataType data_types[] = {xunDataTypeNumeric, xunDataTypeText, xunDataTypeAlphaNumeric};
   for (size_t i = 0; i < std::size(ocr_types); ++i) {
-    auto ocr = OneQuestionRegion("Ocr" + std::to_string(i) + script, xunRecogTypeOCR,
-                                 ocr_types[i], top);
+    auto ocr =
+        OneQuestionRegion("Ocr" + std::to_string(i) + script, xunRecogTypeOCR, ocr_types[i], top);
     ocr->DataType(data_types[i]);
     ocr->NumCols(static_cast<int16_t>(10 + i));
     ocr->DefaultFill("-");
@@ -313,8 +313,8 @@ std::string ExpectFileRoundTrip(clsXUNTemplate& t) {
 // line breaks and blanks at both ends, flags true, numbers each its own. A property added to the
 // list later is covered without a change here.
 template <class O, size_t N>
-void SetEveryProperty(O& object, const properties::Property<O> (&table)[N],
-                      const std::string& seed, std::initializer_list<std::string_view> skip) {
+void SetEveryProperty(O& object, const properties::Property<O> (&table)[N], const std::string& seed,
+                      std::initializer_list<std::string_view> skip) {
   int n = 0;
   for (const properties::Property<O>& property : table) {
     ++n;
@@ -364,8 +364,8 @@ std::shared_ptr<clsXUNTemplate> EverySetting() {
     field->RecognitionType(kind.recognition);
     field->FieldType(kind.type);
     SetEveryProperty(*field, properties::kField, seed,
-                     {"RecognitionType", "FieldType", "LinkGroup", "LinkStart", "Orient",
-                      "NumRows", "NumCols", "ImageClipAddColumn"});
+                     {"RecognitionType", "FieldType", "LinkGroup", "LinkStart", "Orient", "NumRows",
+                      "NumCols", "ImageClipAddColumn"});
     field->Orient(xunOrientationTypeOMRRow);
     field->NumRows(2);
     field->NumCols(3);
@@ -399,7 +399,7 @@ TEST(RoundTrip, EverySettingOfEveryRegionKindAsFarAsTheFileHoldsIt) {
     }
     const std::string key(line.substr(0, line.find('=')));
     EXPECT_TRUE(keys.insert(key).second) << "written twice: " << key;
-    static const std::set<std::string> lists = {"Attributes", "Choices", "Codes", "Extra",
+    static const std::set<std::string> lists = {"Attributes",  "Choices",  "Codes",    "Extra",
                                                 "TimingMarks", "DBReturn", "DBReplace"};
     if (!lists.count(key)) {
       EXPECT_EQ(line.find('\t'), std::string_view::npos) << line;
@@ -487,7 +487,8 @@ TEST(RoundTrip, OlderRegionKeysAreKeptAsNamedExtrasAndWrittenBack) {
   EXPECT_NE(grid_section.find("Extra=2\t2\t10\t12\t5\t45\t7\t37\t0\t0\t0\t0\r\n"),
             std::string::npos)
       << grid_section;
-  for (const char* line : {"IDAdd=-1\r\n", "IDType=2\r\n", "IDValue=42\r\n", "TestVersionID=-1\r\n"})
+  for (const char* line :
+       {"IDAdd=-1\r\n", "IDType=2\r\n", "IDValue=42\r\n", "TestVersionID=-1\r\n"})
     EXPECT_NE(grid_section.find(line), std::string::npos) << line;
   EXPECT_EQ(grid_section.find("ImageFillValue"), std::string::npos);
   EXPECT_NE(FieldSection(file, "Clip").find("ImageFillValue=128\r\n"), std::string::npos);

@@ -192,9 +192,9 @@ std::shared_ptr<xun::clsXUNField> BuildField(const Json& j, const std::string& p
   if (const Json* named = reader.Find("NamedExtra")) {
     if (!named->is_object()) reader.Fail(reader.PathOf("NamedExtra"), "expected an object");
     for (const auto& [name, value] : named->items())
-      f->Extra()->SetNamed(name, static_cast<int16_t>(reader.IntegerAt(
-                                     value, reader.PathOf("NamedExtra") + "/" + name, INT16_MIN,
-                                     INT16_MAX)));
+      f->Extra()->SetNamed(
+          name, static_cast<int16_t>(reader.IntegerAt(
+                    value, reader.PathOf("NamedExtra") + "/" + name, INT16_MIN, INT16_MAX)));
   }
   if (const Json* db = reader.Find("DB")) {
     ObjectReader dbr(*db, reader.PathOf("DB"), document);

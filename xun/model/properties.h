@@ -36,19 +36,14 @@ struct Property {
   AnyAccessor<O> access;
 };
 
-#define XUN_PROPERTY(O, T, name)                                                         \
-  Property<O> {                                                                          \
-#name, Accessor<O, T> {                                                              \
-      [](const O& o) -> T { return o.name(); }, [](O& o, T v) { o.name(std::move(v)); } \
-    }                                                                                    \
-  }
-#define XUN_ENUM_PROPERTY(O, T, E, name)                                        \
-  Property<O> {                                                                 \
-#name, Accessor<O, T> {                                                     \
-      [](const O& o) -> T { return static_cast<T>(o.name()); },                 \
-          [](O& o, T v) { o.name(static_cast<E>(v)); }                          \
-    }                                                                           \
-  }
+// clang-format off
+#define XUN_PROPERTY(O, T, name)                                           \
+  Property<O>{#name, Accessor<O, T>{[](const O& o) -> T { return o.name(); }, \
+                                    [](O& o, T v) { o.name(std::move(v)); }}}
+#define XUN_ENUM_PROPERTY(O, T, E, name)                                                  \
+  Property<O>{#name, Accessor<O, T>{[](const O& o) -> T { return static_cast<T>(o.name()); }, \
+                                    [](O& o, T v) { o.name(static_cast<E>(v)); }}}
+// clang-format on
 
 // In the order of the tool's JSON document, which is also the order a build sets them in:
 // RecognitionType comes before Threshold because setting OCR also sets the threshold.

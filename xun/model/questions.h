@@ -33,7 +33,6 @@ class XUN_API clsXUNQuestions : public Object {
   // Frees every question and empties the list.
   void Free();
 
-
  private:
   // The library's own (the reader, copies, merging): a host gets its questions from Update.
   friend struct detail::QuestionsInternals;

@@ -17,8 +17,8 @@ constexpr const char* kQuestionErrorText =
     "parameters are missing or invalid.";
 
 // Older files keep these on the region; the question's own key wins.
-void TakeRegionValue(clsXUNQuestion& q, const std::optional<std::string>& region_value,
-                     bool own, const char* key, ReaderContext& ctx) {
+void TakeRegionValue(clsXUNQuestion& q, const std::optional<std::string>& region_value, bool own,
+                     const char* key, ReaderContext& ctx) {
   if (!region_value || own) return;
   if (const SectionKey<clsXUNQuestion>* entry = FindQuestionKey(key))
     ReadKeyValue(*entry, q, *region_value, ctx);
@@ -38,8 +38,7 @@ bool ReadQuestion(ReaderContext& ctx) {
 
   const std::shared_ptr<clsXUNQuestion> question = clsXUNQuestion::Create();
   const RegionCarriedValues& region = ctx.region_carried;
-  const bool carried =
-      region.id_add || region.id_type || region.id_value || region.test_version_id;
+  const bool carried = region.id_add || region.id_type || region.id_value || region.test_version_id;
   bool own_id_add = false, own_id_type = false, own_id_value = false, own_test_version = false;
   ReadSectionKeys(ctx.cursor, [&](const std::string& key, const std::string& value) {
     const SectionKey<clsXUNQuestion>* entry = FindQuestionKey(key);

@@ -1,5 +1,6 @@
 #include "xun/templatefile/section_keys.h"
 
+#include <cmath>
 #include <memory>
 #include <optional>
 #include <type_traits>
@@ -117,9 +118,7 @@ Written WriteNamed(const F& f) {
 std::optional<int16_t> NamedValueOf(const S& value, bool exact_text) {
   const std::string_view trimmed = text::Trim(value);
   const double number = Val(trimmed);
-  if (number != static_cast<double>(static_cast<int32_t>(number)) || number < -32768 ||
-      number > 32767)
-    return std::nullopt;
+  if (!(number >= -32768 && number <= 32767) || number != std::trunc(number)) return std::nullopt;
   const auto whole = static_cast<int16_t>(number);
   // A text setting is kept only when it is the number's own text, or it would change on the
   // way back.
@@ -179,7 +178,10 @@ constexpr const char* kFormatVersion = "8";
 constexpr SectionKey<T> kFormKeys[] = {
     {"Attributes", "", nullptr, ValueForm::kCustom, kEveryKind,
      [](const T& t) -> Written { return AttributeLine(t.Attributes()); },
-     [](T& t, const S& v, ReaderContext&) { t.Attributes(ReadAttributes(v)); return true; }},
+     [](T& t, const S& v, ReaderContext&) {
+       t.Attributes(ReadAttributes(v));
+       return true;
+     }},
     {"Columns", "", PROPERTY(kTemplate, "Columns")},
     {"ColumnWidth", "", PROPERTY(kTemplate, "ColumnWidth")},
     {"Description", "", PROPERTY(kTemplate, "Description")},
@@ -216,8 +218,7 @@ constexpr SectionKey<T> kFormKeys[] = {
        return true;
      }},
     {"Valid", "", nullptr, ValueForm::kCustom, kEveryKind,
-     [](const T& t) -> Written { return t.Valid() ? "-1" : "0"; },
-     ReadValid},
+     [](const T& t) -> Written { return t.Valid() ? "-1" : "0"; }, ReadValid},
     // Older files name their maker; never written.
     {"Manufacturer", "", PROPERTY(kTemplate, "Manufacturer"), ValueForm::kValue, 0},
 };
@@ -225,7 +226,10 @@ constexpr SectionKey<T> kFormKeys[] = {
 constexpr SectionKey<P> kPageKeys[] = {
     {"Attributes", "", nullptr, ValueForm::kCustom, kEveryKind,
      [](const P& p) -> Written { return AttributeLine(p.Attributes()); },
-     [](P& p, const S& v, ReaderContext&) { p.Attributes(ReadAttributes(v)); return true; }},
+     [](P& p, const S& v, ReaderContext&) {
+       p.Attributes(ReadAttributes(v));
+       return true;
+     }},
     // A page with width 0 takes the template's when it is added to one: written so, it reads
     // back as it was used.
     {"ColumnWidth", "", PROPERTY(kPage, "ColumnWidth"), ValueForm::kCustom, kEveryKind,
@@ -233,7 +237,10 @@ constexpr SectionKey<P> kPageKeys[] = {
        const std::shared_ptr<T> owner = p.ColumnWidth() == 0 ? p.Template() : nullptr;
        return ShortestDecimal(owner ? owner->ColumnWidth() : p.ColumnWidth());
      },
-     [](P& p, const S& v, ReaderContext&) { p.ColumnWidth(SingleValue(v)); return true; }},
+     [](P& p, const S& v, ReaderContext&) {
+       p.ColumnWidth(SingleValue(v));
+       return true;
+     }},
     {"DropOutColor", "", PROPERTY(kPage, "DropOutColor")},
     {"DropOutThreshold", "", PROPERTY(kPage, "DropOutThreshold")},
     {"Key", "", PROPERTY(kPage, "Key")},
@@ -272,7 +279,10 @@ constexpr uint8_t kFirstExtra = kEveryKind & ~kEntry;
 constexpr SectionKey<F> kFieldKeys[] = {
     {"Attributes", "", nullptr, ValueForm::kCustom, kEveryKind,
      [](const F& f) -> Written { return AttributeLine(f.Attributes()); },
-     [](F& f, const S& v, ReaderContext&) { f.Attributes(ReadAttributes(v)); return true; }},
+     [](F& f, const S& v, ReaderContext&) {
+       f.Attributes(ReadAttributes(v));
+       return true;
+     }},
     {"Name", "FIELDNAME", PROPERTY(kField, "FieldName"), ValueForm::kName},
     {"NumItems", "", nullptr, ValueForm::kInfo, kEveryKind,
      [](const F& f) -> Written {
@@ -282,7 +292,10 @@ constexpr SectionKey<F> kFieldKeys[] = {
     {"FieldType", "", PROPERTY(kField, "FieldType")},
     {"DataType", "", PROPERTY(kField, "DataType"), ValueForm::kCustom, kEveryKind,
      [](const F& f) -> Written { return std::to_string(f.DataType()); },
-     [](F& f, const S& v, ReaderContext&) { f.DataType(DataTypeValue(v)); return true; }},
+     [](F& f, const S& v, ReaderContext&) {
+       f.DataType(DataTypeValue(v));
+       return true;
+     }},
     {"Orient", "", PROPERTY(kField, "Orient")},
     {"Read", "", PROPERTY(kField, "Read")},
     {"Key", "", PROPERTY(kField, "Key")},
@@ -317,9 +330,12 @@ constexpr SectionKey<F> kFieldKeys[] = {
     {"NumCols", "", PROPERTY(kField, "NumCols"), ValueForm::kValue, kEntry & ~kKindOCR},
     // Escaped, never cleaned: the tokens keep line breaks out, and cleaning would trim a blank
     // delimiter away.
-    {"BarcodeDelimiter", "", PROPERTY(kField, "BarcodeDelimiter"), ValueForm::kCustom,
-     kKindBarcode, [](const F& f) -> Written { return GetBarcodeDelimiter(f); },
-     [](F& f, const S& v, ReaderContext&) { SetBarcodeDelimiter(f, v); return true; }},
+    {"BarcodeDelimiter", "", PROPERTY(kField, "BarcodeDelimiter"), ValueForm::kCustom, kKindBarcode,
+     [](const F& f) -> Written { return GetBarcodeDelimiter(f); },
+     [](F& f, const S& v, ReaderContext&) {
+       SetBarcodeDelimiter(f, v);
+       return true;
+     }},
     {"BarcodeDistance", "", PROPERTY(kField, "BarcodeDistance"), ValueForm::kValue, kKindBarcode},
     {"BarcodeLength", "", PROPERTY(kField, "BarcodeLength"), ValueForm::kValue, kKindBarcode},
     {"IDAdd", "", nullptr, ValueForm::kCustom, kEveryKind, WriteNamed<&kExtraIDAdd>,
@@ -328,8 +344,8 @@ constexpr SectionKey<F> kFieldKeys[] = {
      ReadRegionIDType},
     {"IDValue", "", nullptr, ValueForm::kCustom, kEveryKind, WriteNamed<&kExtraIDValue>,
      ReadRegionIDValue},
-    {"TestVersionID", "", nullptr, ValueForm::kCustom, kEveryKind,
-     WriteNamed<&kExtraTestVersionID>, ReadRegionTestVersionID},
+    {"TestVersionID", "", nullptr, ValueForm::kCustom, kEveryKind, WriteNamed<&kExtraTestVersionID>,
+     ReadRegionTestVersionID},
     {"ImageFillValue", "", nullptr, ValueForm::kCustom, kImageKinds,
      WriteNamed<&kExtraImageFillValue>, ReadImageFillValue},
     {"Left", "LOWERX", PROPERTY(kField, "Left")},
@@ -361,7 +377,10 @@ constexpr SectionKey<D> kDatabaseKeys[] = {
        bool hex = false;
        return basPublic::Encrypt(d.Password(), kPasswordKey1, kPasswordKey2, kPasswordKey3, hex);
      },
-     [](D& d, const S& v, ReaderContext&) { d.Password(UnscramblePassword(v)); return true; }},
+     [](D& d, const S& v, ReaderContext&) {
+       d.Password(UnscramblePassword(v));
+       return true;
+     }},
     {"DBConnect", "", PROPERTY(kFieldDB, "Connect")},
     {"DBUnicode", "", PROPERTY(kFieldDB, "Unicode")},
 };
@@ -370,13 +389,27 @@ constexpr SectionKey<D> kDatabaseKeys[] = {
 constexpr uint8_t kChoicesFirst = kKindOMR;
 constexpr uint8_t kChoicesLast = kEveryKind & ~kKindOMR;
 constexpr SectionKey<Q> kChoices = {
-    "Choices", "", nullptr, ValueForm::kCustom, kChoicesFirst,
+    "Choices",
+    "",
+    nullptr,
+    ValueForm::kCustom,
+    kChoicesFirst,
     [](const Q& q) -> Written { return ItemLine(q.Choices(), kLabelCodes); },
-    [](Q& q, const S& v, ReaderContext&) { ReadItems(*q.Choices(), v, kLabelCodes); return true; }};
+    [](Q& q, const S& v, ReaderContext&) {
+      ReadItems(*q.Choices(), v, kLabelCodes);
+      return true;
+    }};
 constexpr SectionKey<Q> kCodes = {
-    "Codes", "", nullptr, ValueForm::kCustom, kChoicesFirst,
+    "Codes",
+    "",
+    nullptr,
+    ValueForm::kCustom,
+    kChoicesFirst,
     [](const Q& q) -> Written { return ItemLine(q.Codes(), kValueCodes); },
-    [](Q& q, const S& v, ReaderContext&) { ReadItems(*q.Codes(), v, kValueCodes); return true; }};
+    [](Q& q, const S& v, ReaderContext&) {
+      ReadItems(*q.Codes(), v, kValueCodes);
+      return true;
+    }};
 constexpr SectionKey<Q> kMultsAllowed = {"MultsAllowed", "", PROPERTY(kQuestion, "MultsAllowed"),
                                          ValueForm::kValue, kChoicesFirst};
 constexpr SectionKey<Q> Later(SectionKey<Q> key) {
