@@ -36,14 +36,16 @@ inline std::shared_ptr<clsXUNTemplate> BuildLargeTemplate(bool question_texts) {
       field->Orient(xunOrientationTypeOMRRow);
       field->NumRows(kQuestions);
       field->NumCols(5);
+      field->Questions()->Update();  // one question per row
       for (int q = 1; q <= kQuestions; ++q) {
-        auto question = clsXUNQuestion::Create();
+        const auto question = field->Questions()->Item(q);
         question->QuestionName(field->FieldName() + "Q" + std::to_string(q));
         if (question_texts) question->QuestionText(LargeQuestionText(p, r, q));
+        question->Choices()->RemoveAll();
         question->Choices()->AddDelimitedString(
             question_texts ? "Never\tRarely\tSometimes\tOften\tAlways" : "A\tB\tC\tD\tE");
+        question->Codes()->RemoveAll();
         question->Codes()->AddDelimitedString("1\t2\t3\t4\t5");
-        field->Questions()->Add(question);
       }
       page->Fields()->Add(field);
     }

@@ -12,6 +12,7 @@
 #include "xun/model/fields.h"
 #include "xun/model/page.h"
 #include "xun/model/pages.h"
+#include "xun/model/properties.h"
 #include "xun/model/question.h"
 #include "xun/model/questions.h"
 #include "xun/model/string_items.h"

@@ -32,12 +32,12 @@ void AddPageID(const std::shared_ptr<xun::clsXUNPage>& page, const std::string& 
   field->FieldName("PageID");
   field->RecognitionType(xun::xunRecogTypeBarcode);
   field->FieldType(xun::xunFieldTypeBarcodeCode39);
-  auto question = xun::clsXUNQuestion::Create();
+  page->Fields()->Add(field);
+  field->Questions()->Update();  // a barcode region reads one value: one question
+  auto question = field->Questions()->Item(1);
   question->QuestionName("PageID");
   question->IDType(xun::xunIDTypePage);
   question->IDValue(value);
-  field->Questions()->Add(question);
-  page->Fields()->Add(field);
 }
 
 }  // namespace

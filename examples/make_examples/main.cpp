@@ -42,11 +42,11 @@ void AddIDBarcode(const std::shared_ptr<clsXUNPage>& page, const std::string& na
   auto field = AddRegion(page, name, xun::xunRecogTypeBarcode, xun::xunFieldTypeBarcodeCode128, 50,
                          20, 450, 80);
   field->BarcodeLength(static_cast<int16_t>(value.size()));
-  auto question = clsXUNQuestion::Create();
+  field->Questions()->Update();  // a barcode region reads one value: one question
+  auto question = field->Questions()->Item(1);
   question->QuestionName(name);
   question->IDType(role);
   question->IDValue(value);
-  field->Questions()->Add(question);
 }
 
 // An OMR grid of bubbles; Update gives its questions.
@@ -107,10 +107,10 @@ std::shared_ptr<clsXUNTemplate> BuildSurvey() {
       auto comments = AddRegion(page, "Comments", xun::xunRecogTypeOCR, xun::xunFieldTypeOCRSimple,
                                 100, 400, 700, 600);
       comments->DefaultFill("none");
-      auto question = clsXUNQuestion::Create();
+      comments->Questions()->Update();
+      auto question = comments->Questions()->Item(1);
       question->QuestionName("Comments");
       question->QuestionText("Anything else? (Straße, 東京, «quotes»)");
-      comments->Questions()->Add(question);
     }
   }
   return form;

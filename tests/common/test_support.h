@@ -103,4 +103,10 @@ class ScopedTmpdir {
 std::string ReadFileBytes(const std::string& path);
 void WriteFileBytes(const std::string& path, const std::string& bytes);
 
+// Adds a question as the reader does. Only for trees a file can hold but a host cannot build,
+// since a host gets a region's questions from Update.
+inline bool AddQuestion(clsXUNField& field, const std::shared_ptr<clsXUNQuestion>& question) {
+  return xun::detail::QuestionsInternals::Add(*field.Questions(), question);
+}
+
 }  // namespace xun::testing

@@ -1,6 +1,8 @@
 #include "common/tree_description.h"
 
+#include <algorithm>
 #include <map>
+#include <optional>
 #include <sstream>
 
 namespace xun::testing {
@@ -21,11 +23,27 @@ class Describer {
   void Put(const std::string& path, const char* name, float value) {
     Put(path, name, static_cast<double>(value));
   }
-  // In the file view text is trimmed, as the writer's cleaning trims it: the reader's cleaning
-  // trims before it turns tabs and line breaks into blanks, so a value read may end in a blank
-  // that the next save drops.
+  // In the file view text is as a file holds it: tabs and line breaks (CR LF as one) become
+  // blanks, and blanks at either end go.
+  static std::string AsFileText(const std::string& value) {
+    std::string out;
+    for (size_t i = 0; i < value.size(); ++i) {
+      const char c = value[i];
+      if (c == '\r' && i + 1 < value.size() && value[i + 1] == '\n') ++i;
+      out += c == '\t' || c == '\r' || c == '\n' ? ' ' : c;
+    }
+    return std::string(text::Trim(out));
+  }
   void PutText(const std::string& path, const char* name, const std::string& value) {
-    Put(path, name, "\"" + std::string(file_view_ ? text::Trim(value) : value) + "\"");
+    Put(path, name, "\"" + (file_view_ ? AsFileText(value) : value) + "\"");
+  }
+  // Names lose the characters . ! ' [ ] , " ( ) as well.
+  void PutName(const std::string& path, const char* name, const std::string& value) {
+    std::string kept;
+    for (const char c : value)
+      if (!file_view_ || std::string_view(".!'[],\"()").find(c) == std::string_view::npos)
+        kept += c;
+    PutText(path, name, kept);
   }
   // Whether a value of a key group goes into the description: always in the full view, in the
   // file view only when the region's kind writes that group.
@@ -37,14 +55,45 @@ class Describer {
     if (!attributes) return Put(path, "Attributes", "none");
     for (const std::string& key : attributes->Keys()) {
       const Variant value = attributes->Item(key);
-      // As text: the file holds an attribute as text, whatever kind it had.
-      Put(path, ("Attributes[" + key + "]").c_str(), value.ToText());
+      // As text: the file holds an attribute as text, whatever kind it had; in the file view
+      // its key and value cleaned like any text.
+      const std::string shown = file_view_ ? AsFileText(key) : key;
+      if (shown.empty()) continue;
+      Put(path, ("Attributes[" + shown + "]").c_str(),
+          file_view_ ? AsFileText(value.ToText()) : value.ToText());
     }
   }
+  // In the file view each item cleaned, and without the characters `removed`.
   void PutItems(const std::string& path, const char* name,
-                const std::shared_ptr<clsXUNStringItems>& items) {
+                const std::shared_ptr<clsXUNStringItems>& items, std::string_view removed = {}) {
     if (!items) return Put(path, name, "none");
-    Put(path, name, std::to_string(items->Count()) + ":" + items->AsString("|"));
+    std::string joined;
+    for (const std::string& item : *items) {
+      std::string kept;
+      for (const char c : item)
+        if (!file_view_ || removed.find(c) == std::string_view::npos) kept += c;
+      joined += "|" + (file_view_ ? AsFileText(kept) : kept);
+    }
+    Put(path, name, std::to_string(items->Count()) + ":" + joined);
+  }
+  // The unnamed values (the registration layout), then the named ones. The file view holds only
+  // the older region settings, in the order the file writes them, and "ImageFillValue" only for
+  // image regions.
+  void PutExtra(const std::string& path, const std::shared_ptr<clsXUNFieldExtra>& extra,
+                bool image) {
+    if (!extra) return Put(path, "Extra", "none");
+    std::string values, named;
+    for (int32_t i = 1; i <= extra->Count(); ++i) {
+      const std::optional<std::string> key = extra->KeyOf(i);
+      if (!key) values += (values.empty() ? "" : ",") + std::to_string(extra->Item(i));
+      if (key && !file_view_) named += *key + "=" + std::to_string(extra->Item(i)) + ",";
+    }
+    if (file_view_) {
+      for (const char* key : {"IDAdd", "IDType", "IDValue", "TestVersionID", "ImageFillValue"})
+        if (extra->Exists(key) && (image || std::string_view(key) != "ImageFillValue"))
+          named += std::string(key) + "=" + std::to_string(extra->Item(key)) + ",";
+    }
+    Put(path, "Extra", values + ";" + named);
   }
 
   void Template(const clsXUNTemplate& t) {
@@ -103,17 +152,18 @@ class Describer {
   void Region(const std::string& p, const clsXUNField& f) {
     PutAttributes(p, f.Attributes());
     PutKey(p, f.Key());
-    PutText(p, "FieldName", f.FieldName());
+    PutName(p, "FieldName", f.FieldName());
     Put(p, "RecognitionType", f.RecognitionType());
     Put(p, "FieldType", f.FieldType());
     Put(p, "DataType", f.DataType());
     Put(p, "Orient", f.Orient());
+    // Which kinds carry which key groups: the table in docs/template-file.md.
     const xunRecogType kind = f.RecognitionType();
     const bool omr = kind == xunRecogTypeOMR, barcode = kind == xunRecogTypeBarcode;
-    const bool entry = barcode || kind == xunRecogTypeOCR;
-    const bool image = kind == xunRecogTypeImage;
+    const bool ocr = kind == xunRecogTypeOCR, image = kind == xunRecogTypeImage;
     const bool clip = image && f.FieldType() >= 1 && f.FieldType() <= 3;
     const bool image_entry = image && f.FieldType() == xunFieldTypeImageDataEntry;
+    const bool entry = barcode || ocr || image_entry;
     if (Holds(clip)) {
       Put(p, "ImageClipType", f.ImageClipType());
       Put(p, "ImageClipCompression", f.ImageClipCompression());
@@ -126,14 +176,15 @@ class Describer {
       PutText(p, "ImageLinkQuestionKey", f.ImageLinkQuestionKey());
     }
     if (Holds(barcode)) {
-      PutText(p, "BarcodeDelimiter", f.BarcodeDelimiter());
+      // Escaped in the file, never cleaned: held exactly.
+      Put(p, "BarcodeDelimiter", "\"" + f.BarcodeDelimiter() + "\"");
       Put(p, "BarcodeDistance", f.BarcodeDistance());
       Put(p, "BarcodeLength", f.BarcodeLength());
     }
     Put(p, "Rectangle",
         std::to_string(f.Left()) + "," + std::to_string(f.Top()) + "," + std::to_string(f.Right()) +
             "," + std::to_string(f.Bottom()));
-    if (Holds(omr)) {
+    if (Holds(omr || ocr)) {
       Put(p, "Grid",
           std::to_string(f.StartRow()) + "," + std::to_string(f.RowGap()) + "," +
               std::to_string(f.StartCol()) + "," + std::to_string(f.ColGap()) + "," +
@@ -154,14 +205,17 @@ class Describer {
       PutText(p, "DefaultFill", f.DefaultFill());
     }
     PutText(p, "Tag", f.Tag());
-    PutText(p, "Extra", f.Extra() ? f.Extra()->AsString(",") : "none");
+    PutExtra(p, f.Extra(), image);
     Put(p, "NumItems", f.NumItems());
     if (const auto db = f.DB(); db && Holds(f.DBVerify())) {
       PutText(p, "DB.Name", db->Name());
       PutText(p, "DB.Catalog", db->Catalog());
       PutText(p, "DB.Table", db->Table());
       PutText(p, "DB.LookupField", db->LookupField());
-      PutText(p, "DB.ReplaceField", db->ReplaceField());
+      // A tab-separated list in one text: its tabs are held.
+      std::string replace = db->ReplaceField();
+      if (file_view_) std::replace(replace.begin(), replace.end(), '\t', '\x01');
+      PutText(p, "DB.ReplaceField", replace);
       PutItems(p, "DB.ReturnFields", db->ReturnFields());
       Put(p, "DB.DBType", db->DBType());
       Put(p, "DB.DirectoryBased", db->DirectoryBased());
@@ -179,10 +233,10 @@ class Describer {
 
   void Question(const std::string& p, const clsXUNQuestion& q) {
     PutKey(p, q.Key());
-    PutText(p, "QuestionName", q.QuestionName());
+    PutName(p, "QuestionName", q.QuestionName());
     PutText(p, "QuestionText", q.QuestionText());
-    PutItems(p, "Choices", q.Choices());
-    PutItems(p, "Codes", q.Codes());
+    PutItems(p, "Choices", q.Choices(), ",\"()");
+    PutItems(p, "Codes", q.Codes(), "\"()");
     Put(p, "IDType", q.IDType());
     PutText(p, "IDValue", q.IDValue());
     Put(p, "IDAdd", q.IDAdd());

@@ -37,7 +37,7 @@ class Field : public ::testing::Test {
       auto question = clsXUNQuestion::Create();
       question->IDType(static_cast<xunIDType>(role < 0 ? -role : role));
       question->IDAdd(role > 0);
-      field->Questions()->Add(question);
+      testing::AddQuestion(*field, question);
     }
   }
   static void VerifyDB(const FieldPtr& field, std::vector<std::string> columns) {

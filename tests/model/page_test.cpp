@@ -25,7 +25,7 @@ std::shared_ptr<clsXUNField> OmrRegion(int16_t rows, int16_t cols = 4) {
   field->NumRows(rows);
   field->NumCols(cols);
   for (int16_t row = 0; row < rows; ++row)
-    field->Questions()->Add(clsXUNQuestion::Create());
+    testing::AddQuestion(*field, clsXUNQuestion::Create());
   return field;
 }
 

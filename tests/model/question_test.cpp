@@ -39,7 +39,7 @@ std::shared_ptr<clsXUNField> Omr(xunFieldType type, xunOrientationType orient, i
   field->NumRows(rows);
   field->NumCols(cols);
   for (int i = 0; i < questions; ++i)
-    field->Questions()->Add(NewQuestion());
+    testing::AddQuestion(*field, NewQuestion());
   return field;
 }
 
@@ -56,15 +56,35 @@ TEST(Question, Defaults) {
   EXPECT_EQ(question->Choices()->Count() + question->Codes()->Count(), 0);
 }
 
+// A host gets a region's questions from Update: the list's own adding and removing, and the
+// timing-mark list's RemoveAll, are not in the public interface.
+template <class List>
+concept HostCanAdd = requires(List& list, std::shared_ptr<clsXUNQuestion> q) {
+  list.Add(q);
+};
+template <class List>
+concept HostCanRemove = requires(List& list) {
+  list.Remove(1);
+};
+template <class List>
+concept HostCanRemoveAll = requires(List& list) {
+  list.RemoveAll();
+};
+static_assert(!HostCanAdd<clsXUNQuestions> && !HostCanRemove<clsXUNQuestions> &&
+              !HostCanRemoveAll<clsXUNQuestions> && !HostCanRemoveAll<clsXUNTimingMarks>);
+static_assert(HostCanRemoveAll<clsXUNStringItems>, "the check itself sees public members");
+
+// Adding and removing are the library's own (the reader, copies).
 TEST(Questions, KeyRulesAndRemoval) {
+  using Internals = detail::QuestionsInternals;
   testing::ScopedHandler handler;
   auto list = clsXUNQuestions::Create();
   auto keyed = NewQuestion({}, "abc");
   auto same = NewQuestion({}, "ABC");
   auto unkeyed = NewQuestion();
-  EXPECT_TRUE(list->Add(keyed));
-  EXPECT_TRUE(list->Add(same));
-  EXPECT_TRUE(list->Add(unkeyed, 1));
+  EXPECT_TRUE(Internals::Add(*list, keyed));
+  EXPECT_TRUE(Internals::Add(*list, same));
+  EXPECT_TRUE(Internals::Add(*list, unkeyed, 1));
   for (const auto& fresh : {same, unkeyed}) {
     EXPECT_EQ(fresh->Key().size(), 32u);
     EXPECT_EQ(fresh->Key().find_first_not_of("0123456789ABCDEF"), std::string::npos);
@@ -73,8 +93,8 @@ TEST(Questions, KeyRulesAndRemoval) {
   keyed->Key("other");  // ignored in a list, which holds it under "abc"
   EXPECT_EQ(keyed->Key(), "abc");
   EXPECT_EQ(list->Item("ABC"), keyed);
-  EXPECT_FALSE(list->Remove(9));
-  EXPECT_TRUE(list->Remove("abc"));
+  EXPECT_FALSE(Internals::Remove(*list, 9));
+  EXPECT_TRUE(Internals::Remove(*list, "abc"));
   EXPECT_TRUE(handler.reports().empty());
 
   list->Free();
@@ -88,7 +108,7 @@ TEST(Question, CopyOwnsItsListsAndIsInNoList) {
   original->QuestionName("Q1");
   original->NAChoiceAll(3);
   original->AllCodes(clsXUNStringItems::Create());
-  clsXUNQuestions::Create()->Add(original);
+  detail::QuestionsInternals::Add(*clsXUNQuestions::Create(), original);
 
   auto copy = original->Copy();
   ASSERT_TRUE(copy);
@@ -113,7 +133,7 @@ TEST(Question, SchemaTakesTypeFromRegionAndWidthFromCodes) {
   auto question = NewQuestion();
   question->QuestionName("Age");
   question->Codes()->AddDelimitedString("1,10,\xC3\xA9\xC3\xA9", ",");  // two characters
-  field->Questions()->Add(question);
+  testing::AddQuestion(*field, question);
   EXPECT_EQ(question->Schema(), "Age,Numeric,2");
   field->DataType(xunDataTypeAlphaNumeric);
   question->Codes()->Add("100");
@@ -127,8 +147,8 @@ TEST(Question, AllChoicesGatherAcrossTheLinkGroupInPageOrder) {
   for (const Strings& second_choices : {Strings{"a", "b"}, Strings{"v"}, Strings{"c", "d", "e"}}) {
     fields.push_back(clsXUNField::Create());
     page->Fields()->Add(fields.back());
-    fields.back()->Questions()->Add(NewQuestion({"x"}));
-    fields.back()->Questions()->Add(NewQuestion(second_choices));
+    testing::AddQuestion(*fields.back(), NewQuestion({"x"}));
+    testing::AddQuestion(*fields.back(), NewQuestion(second_choices));
   }
   fields[0]->LinkGroup(1);
   fields[0]->LinkStart(true);
@@ -209,7 +229,7 @@ TEST(Questions, ReturnIndexNumbersItemsAcrossTheTemplate) {
   tmpl->Pages()->Add(page2);
   auto a = Omr(xunFieldTypeOMRMult, xunOrientationTypeOMRRow, 2, 4, 2);
   auto hidden = clsXUNField::Create();
-  hidden->Questions()->Add(NewQuestion());
+  testing::AddQuestion(*hidden, NewQuestion());
   hidden->Questions()->Item(1)->IDType(xunIDTypeForm);  // IDAdd False: no item
   auto c = Omr(xunFieldTypeOMRMult, xunOrientationTypeOMRRow, 3, 4, 3);
   auto d = Omr(xunFieldTypeOMRMult, xunOrientationTypeOMRRow, 3, 4, 3);

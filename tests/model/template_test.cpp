@@ -24,7 +24,7 @@ std::shared_ptr<clsXUNField> AddRegion(const std::shared_ptr<clsXUNPage>& page, 
   for (int q = 1; q <= questions; ++q) {
     auto question = clsXUNQuestion::Create();
     question->QuestionName(field->FieldName() + "Q" + std::to_string(q));
-    field->Questions()->Add(question);
+    testing::AddQuestion(*field, question);
   }
   page->Fields()->Add(field);
   return field;

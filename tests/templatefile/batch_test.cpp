@@ -29,7 +29,7 @@ std::shared_ptr<clsXUNField> AddRegion(const std::shared_ptr<clsXUNPage>& page,
   question->IDType(role);
   question->IDValue(value);
   question->IDAdd(true);  // an item of its own, so a template of one region has items
-  field->Questions()->Add(question);
+  testing::AddQuestion(*field, question);
   return field;
 }
 

@@ -90,7 +90,7 @@ TEST(Link, RefusalsNameTheFirstBrokenRuleAndChangeNothing) {
            "Disparate OMR region types cannot be linked."},
           {[](auto&, auto& b) { b.Read(false); },
            "Regions must all be read or all not read in order to be linked."},
-          {[](auto&, auto& b) { b.Questions()->Add(clsXUNQuestion::Create()); },
+          {[](auto&, auto& b) { testing::AddQuestion(b, clsXUNQuestion::Create()); },
            "Multiple Response OMR regions must contain the same number of questions in order to "
            "be linked."},
           {[](auto& a, auto& b) {
@@ -154,7 +154,7 @@ TEST(Link, GroupIsOneRunInPageOrder) {
   auto b = AddOMR(sheet.page, "B", 3, 4, xunFieldTypeOMRGrid);
   auto c = AddOMR(sheet.page, "C", 3, 4, xunFieldTypeOMRGrid);
   auto d = AddOMR(sheet.page, "D", 5, 4, xunFieldTypeOMRGrid);
-  b->Questions()->Add(clsXUNQuestion::Create());
+  testing::AddQuestion(*b, clsXUNQuestion::Create());
   ASSERT_TRUE(sheet.page->Link({d, b}));
   EXPECT_EQ(sheet.Names(), (std::vector<std::string>{"A:0", "B:1*", "D:1", "C:0"}));
   EXPECT_EQ(sheet.page->NumQuestions(), 4);  // the group's questions count once, at B

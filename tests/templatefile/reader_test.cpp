@@ -113,7 +113,12 @@ TEST(ReadTemplate, ReadsAWholeTemplate) {
   EXPECT_EQ(a->Key(), "R1");
   EXPECT_EQ(a->DataType(), xunDataTypeText);
   EXPECT_EQ(b->DataType(), xunDataTypeNumeric);
-  EXPECT_EQ(a->Extra()->AsString(), "5\t6\t7");
+  // The older region key IDType is kept as a named value after the layout; IDValue "V" is no
+  // 16-bit number and is not.
+  EXPECT_EQ(a->Extra()->UnnamedValues(), (std::vector<int16_t>{5, 6, 7}));
+  EXPECT_EQ(a->Extra()->AsString(), "5\t6\t7\t2");
+  EXPECT_EQ(a->Extra()->KeyOf(4), "IDType");
+  EXPECT_FALSE(a->Extra()->Exists("IDValue"));
   EXPECT_EQ(a->Left(), 15);
   EXPECT_EQ(a->BarcodeDelimiter(), "\r\n\t");
   // [Link] with 2 puts A and B in group 1; the older [JOIN] opens group 2.
@@ -136,7 +141,8 @@ TEST(ReadTemplate, ReadsAWholeTemplate) {
   // ...unless the question has its own.
   EXPECT_EQ(b->Questions()->Item(1)->IDType(), 3);
 
-  EXPECT_EQ(bar->DefaultFill(), "x") << "ImageFillValue only fills an empty DefaultFill";
+  EXPECT_EQ(bar->DefaultFill(), "x");
+  EXPECT_FALSE(bar->Extra()->Exists("ImageFillValue")) << "only an image region keeps it";
   EXPECT_EQ(bar->DB()->Password(), "s3cr=t");
   EXPECT_EQ(bar->DB()->ReturnFields()->AsString(), "C1\tC2");
   EXPECT_TRUE(bar->DB()->Unicode());

@@ -85,7 +85,7 @@ std::shared_ptr<clsXUNTemplate> TinyTemplate(const std::string& region_name) {
   question->Codes(clsXUNStringItems::Create());
   question->Choices()->AddDelimitedString("A\tB");
   question->Codes()->AddDelimitedString("1\t2");
-  field->Questions()->Add(question);
+  testing::AddQuestion(*field, question);
   page->Fields()->Add(field);
   return form;
 }

@@ -1,7 +1,9 @@
 #include <cmath>
 #include <filesystem>
 #include <limits>
+#include <map>
 #include <set>
+#include <type_traits>
 
 #include "json_document.h"
 #include "json_properties.h"
@@ -27,49 +29,40 @@ class ObjectReader {
   }
 
   // The value under `name`, or nullptr when absent; marks the key as known.
-  const Json* Find(const char* name) {
+  const Json* Find(const std::string& name) {
     known_.insert(name);
     const auto found = object_.find(name);
     return found == object_.end() ? nullptr : &*found;
   }
   std::string PathOf(const std::string& name) const { return path_ + "/" + name; }
 
-  template <class F>
-  void Text(const char* name, const std::string&, F&& set) {
-    if (const Json* value = Find(name)) {
+  // A property of the library's lists: checked against the kind of value it holds.
+  template <class T, class F>
+  void Value(const std::string& name, const T&, F&& set) {
+    const Json* value = Find(name);
+    if (!value) return;
+    if constexpr (std::is_same_v<T, std::string>) {
       if (!value->is_string()) Fail(PathOf(name), "expected a string");
       set(value->get<std::string>());
-    }
-  }
-  template <class F>
-  void Bool(const char* name, bool, F&& set) {
-    if (const Json* value = Find(name)) {
+    } else if constexpr (std::is_same_v<T, bool>) {
       if (!value->is_boolean()) Fail(PathOf(name), "expected true or false");
       set(value->get<bool>());
-    }
-  }
-  template <class F>
-  void Int16(const char* name, int16_t, F&& set) {
-    if (const Json* value = Find(name))
-      set(static_cast<int16_t>(Integer(*value, name, INT16_MIN, INT16_MAX)));
-  }
-  template <class F>
-  void Int32(const char* name, int32_t, F&& set) {
-    if (const Json* value = Find(name))
-      set(static_cast<int32_t>(Integer(*value, name, INT32_MIN, INT32_MAX)));
-  }
-  template <class F>
-  void Float(const char* name, float, F&& set) {
-    if (const Json* value = Find(name)) {
+    } else if constexpr (std::is_integral_v<T>) {
+      const int64_t low = std::numeric_limits<T>::min(), high = std::numeric_limits<T>::max();
+      set(static_cast<T>(IntegerAt(*value, PathOf(name), low, high)));
+    } else if constexpr (std::is_same_v<T, float>) {
       const double d = Number(*value, name);
       if (std::fabs(d) > std::numeric_limits<float>::max())
         Fail(PathOf(name), "number too large for a single-precision value");
       set(static_cast<float>(d));
+    } else {
+      set(Number(*value, name));
     }
   }
-  template <class F>
-  void Double(const char* name, double, F&& set) {
-    if (const Json* value = Find(name)) set(Number(*value, name));
+  // A whole number outside the property lists (a timing mark's numbers).
+  void Int16(const char* name, int16_t& out) {
+    if (const Json* value = Find(name))
+      out = static_cast<int16_t>(IntegerAt(*value, PathOf(name), INT16_MIN, INT16_MAX));
   }
   template <class T>
   void ReadOnly(const char* name, const T&) {
@@ -94,10 +87,7 @@ class ObjectReader {
   }
 
  private:
-  int64_t Integer(const Json& value, const char* name, int64_t low, int64_t high) const {
-    return IntegerAt(value, PathOf(name), low, high);
-  }
-  double Number(const Json& value, const char* name) const {
+  double Number(const Json& value, const std::string& name) const {
     if (!value.is_number()) Fail(PathOf(name), "expected a number");
     const double d = value.get<double>();
     if (!std::isfinite(d)) Fail(PathOf(name), "expected a finite number");
@@ -168,46 +158,69 @@ void ReadPageImage(ObjectReader& reader, xun::clsXUNPage& page, const std::strin
   page.ImageFile(own);
 }
 
-std::shared_ptr<xun::clsXUNQuestion> BuildQuestion(const Json& j, const std::string& path,
-                                                   const std::string& document) {
-  auto q = xun::clsXUNQuestion::Create();
+// A question's key cannot change once it is in its list, and a host gets its questions from
+// the region's Update: each keeps the fresh key the list gave it. A region linked to a question
+// by the key the document names is pointed at the new key afterwards.
+using QuestionKeys = std::map<std::string, std::string>;
+
+void BuildQuestion(xun::clsXUNQuestion& q, const Json& j, const std::string& path,
+                   const std::string& document, QuestionKeys& keys) {
   ObjectReader reader(j, path, document);
-  props::Question(reader, *q);
-  ReadStrings(reader, "Choices", q->Choices());
-  ReadStrings(reader, "Codes", q->Codes());
-  props::QuestionReadOnly(reader, *q);
+  if (const Json* key = reader.Find("Key"); key && key->is_string())
+    keys[key->get<std::string>()] = q.Key();
+  props::Visit(reader, xun::properties::kQuestion, q);
+  // The document's lists replace those Update made; absent, Update's stay.
+  if (j.contains("Choices")) q.Choices()->RemoveAll();
+  if (j.contains("Codes")) q.Codes()->RemoveAll();
+  ReadStrings(reader, "Choices", q.Choices());
+  ReadStrings(reader, "Codes", q.Codes());
+  props::QuestionReadOnly(reader, q);
   reader.RejectUnknown();
-  return q;
 }
 
 std::shared_ptr<xun::clsXUNField> BuildField(const Json& j, const std::string& path,
-                                             const std::string& document) {
+                                             const std::string& document, QuestionKeys& keys) {
   static const Json empty = Json::array();
   auto f = xun::clsXUNField::Create();
   ObjectReader reader(j, path, document);
-  props::Field(reader, *f);
+  props::Visit(reader, xun::properties::kField, *f);
   ReadAttributes(reader, f->Attributes());
   const Json& extra = ArrayAt(reader, "Extra", empty);
   for (std::size_t i = 0; i < extra.size(); ++i)
     f->Extra()->Add(static_cast<int16_t>(reader.IntegerAt(
         extra[i], reader.PathOf("Extra") + "/" + std::to_string(i), INT16_MIN, INT16_MAX)));
+  if (const Json* named = reader.Find("NamedExtra")) {
+    if (!named->is_object()) reader.Fail(reader.PathOf("NamedExtra"), "expected an object");
+    for (const auto& [name, value] : named->items())
+      f->Extra()->SetNamed(
+          name, static_cast<int16_t>(reader.IntegerAt(
+                    value, reader.PathOf("NamedExtra") + "/" + name, INT16_MIN, INT16_MAX)));
+  }
   if (const Json* db = reader.Find("DB")) {
     ObjectReader dbr(*db, reader.PathOf("DB"), document);
-    props::FieldDB(dbr, *f->DB());
+    props::Visit(dbr, xun::properties::kFieldDB, *f->DB());
     ReadStrings(dbr, "ReturnFields", f->DB()->ReturnFields());
     dbr.RejectUnknown();
   }
   props::FieldReadOnly(reader, *f);
+  // The questions the region's settings give, as for every host; the document then sets them.
   const Json& questions = ArrayAt(reader, "Questions", empty);
+  if (!f->Questions()->Update())
+    reader.Fail(reader.PathOf("Questions"), "the region's questions cannot be made");
+  if (static_cast<std::size_t>(f->Questions()->Count()) != questions.size())
+    reader.Fail(reader.PathOf("Questions"),
+                "the region's settings give " + std::to_string(f->Questions()->Count()) +
+                    " questions, the document has " + std::to_string(questions.size()));
   for (std::size_t i = 0; i < questions.size(); ++i)
-    f->Questions()->Add(BuildQuestion(
-        questions[i], reader.PathOf("Questions") + "/" + std::to_string(i), document));
+    BuildQuestion(*f->Questions()->Item(static_cast<int32_t>(i + 1)), questions[i],
+                  reader.PathOf("Questions") + "/" + std::to_string(i), document, keys);
   reader.RejectUnknown();
   return f;
 }
 
 std::shared_ptr<xun::clsXUNPage> BuildPage(const Json& j, const std::string& path,
-                                           const std::string& document, const std::string& folder) {
+                                           const std::string& document, const std::string& folder,
+                                           QuestionKeys& keys) {
   static const Json empty = Json::array();
   auto page = xun::clsXUNPage::Create();
   // Until the page is in the template, nobody else would delete its image copy.
@@ -218,17 +231,17 @@ std::shared_ptr<xun::clsXUNPage> BuildPage(const Json& j, const std::string& pat
     }
   } cleanup{page};
   ObjectReader reader(j, path, document);
-  props::Page(reader, *page);
+  props::Visit(reader, xun::properties::kPage, *page);
   ReadPageImage(reader, *page, folder);
   ReadAttributes(reader, page->Attributes());
   const Json& marks = ArrayAt(reader, "TimingMarks", empty);
   for (std::size_t i = 0; i < marks.size(); ++i) {
     ObjectReader mr(marks[i], reader.PathOf("TimingMarks") + "/" + std::to_string(i), document);
     int16_t left = 0, top = 0, width = 0, height = 0;
-    mr.Int16("Left", left, [&](int16_t v) { left = v; });
-    mr.Int16("Top", top, [&](int16_t v) { top = v; });
-    mr.Int16("Width", width, [&](int16_t v) { width = v; });
-    mr.Int16("Height", height, [&](int16_t v) { height = v; });
+    mr.Int16("Left", left);
+    mr.Int16("Top", top);
+    mr.Int16("Width", width);
+    mr.Int16("Height", height);
     mr.RejectUnknown();
     page->TimingMarks()->AddMark(left, top, width, height);
   }
@@ -236,7 +249,7 @@ std::shared_ptr<xun::clsXUNPage> BuildPage(const Json& j, const std::string& pat
   const Json& regions = ArrayAt(reader, "Regions", empty);
   for (std::size_t i = 0; i < regions.size(); ++i)
     page->Fields()->Add(
-        BuildField(regions[i], reader.PathOf("Regions") + "/" + std::to_string(i), document));
+        BuildField(regions[i], reader.PathOf("Regions") + "/" + std::to_string(i), document, keys));
   reader.RejectUnknown();
   cleanup.page = nullptr;
   return page;
@@ -262,13 +275,18 @@ std::shared_ptr<xun::clsXUNTemplate> BuildTemplate(const Json& document,
   auto t = xun::clsXUNTemplate::Create();
   TemplateGuard guard_on_failure(t);
   ObjectReader reader(*tj, "/Template", document_name);
-  props::Template(reader, *t);
+  props::Visit(reader, xun::properties::kTemplate, *t);
   ReadAttributes(reader, t->Attributes());
   props::TemplateReadOnly(reader, *t);
   const Json& pages = ArrayAt(reader, "Pages", empty);
+  QuestionKeys keys;
   for (std::size_t i = 0; i < pages.size(); ++i)
     t->Pages()->Add(BuildPage(pages[i], "/Template/Pages/" + std::to_string(i), document_name,
-                              document_folder));
+                              document_folder, keys));
+  for (const auto& page : *t->Pages())
+    for (const auto& field : *page->Fields())
+      if (const auto found = keys.find(field->ImageLinkQuestionKey()); found != keys.end())
+        field->ImageLinkQuestionKey(found->second);
   reader.RejectUnknown();
   guard_on_failure.Release();
   return t;

@@ -2,6 +2,7 @@
 #include <cctype>
 #include <charconv>
 #include <filesystem>
+#include <type_traits>
 
 #include "json_document.h"
 #include "json_properties.h"
@@ -23,29 +24,12 @@ double ShortestSingle(float value) {
 class DumpVisitor {
  public:
   explicit DumpVisitor(Json& out) : out_(out) {}
-  template <class F>
-  void Text(const char* name, const std::string& value, F&&) {
-    out_[name] = value;
-  }
-  template <class F>
-  void Bool(const char* name, bool value, F&&) {
-    out_[name] = value;
-  }
-  template <class F>
-  void Int16(const char* name, int16_t value, F&&) {
-    out_[name] = value;
-  }
-  template <class F>
-  void Int32(const char* name, int32_t value, F&&) {
-    out_[name] = value;
-  }
-  template <class F>
-  void Float(const char* name, float value, F&&) {
-    out_[name] = ShortestSingle(value);
-  }
-  template <class F>
-  void Double(const char* name, double value, F&&) {
-    out_[name] = value;
+  template <class T, class F>
+  void Value(const std::string& name, const T& value, F&&) {
+    if constexpr (std::is_same_v<T, float>)
+      out_[name] = ShortestSingle(value);
+    else
+      out_[name] = value;
   }
   template <class T>
   void ReadOnly(const char* name, const T& value) {
@@ -115,7 +99,7 @@ Json PageImage(const xun::clsXUNPage& page, int32_t number, const DumpOptions& o
 Json DumpTemplate(xun::clsXUNTemplate& t, const DumpOptions& options) {
   Json tj = Json::object();
   DumpVisitor tv(tj);
-  props::Template(tv, t);
+  props::Visit(tv, xun::properties::kTemplate, t);
   tj["Attributes"] = Attributes(t.Attributes());
   props::TemplateReadOnly(tv, t);
   Json pages = Json::array();
@@ -123,7 +107,7 @@ Json DumpTemplate(xun::clsXUNTemplate& t, const DumpOptions& options) {
   for (const auto& page : *t.Pages()) {
     Json pj = Json::object();
     DumpVisitor pv(pj);
-    props::Page(pv, *page);
+    props::Visit(pv, xun::properties::kPage, *page);
     pj["ImageFile"] = "";
     pj["ImageFile"] = PageImage(*page, ++number, options, pj);
     pj["Attributes"] = Attributes(page->Attributes());
@@ -140,17 +124,24 @@ Json DumpTemplate(xun::clsXUNTemplate& t, const DumpOptions& options) {
     for (const auto& field : *page->Fields()) {
       Json fj = Json::object();
       DumpVisitor fv(fj);
-      props::Field(fv, *field);
+      props::Visit(fv, xun::properties::kField, *field);
       fj["Attributes"] = Attributes(field->Attributes());
       Json extra = Json::array();
-      if (field->Extra())
-        for (int16_t value : *field->Extra())
-          extra.push_back(value);
+      Json named = Json::object();
+      if (const auto values = field->Extra()) {
+        for (int32_t i = 1; i <= values->Count(); ++i) {
+          if (const auto name = values->KeyOf(i))
+            named[*name] = values->Item(i);
+          else
+            extra.push_back(values->Item(i));
+        }
+      }
       fj["Extra"] = extra;
+      fj["NamedExtra"] = named;
       if (field->DB()) {
         Json dj = Json::object();
         DumpVisitor dv(dj);
-        props::FieldDB(dv, *field->DB());
+        props::Visit(dv, xun::properties::kFieldDB, *field->DB());
         dj["ReturnFields"] = Strings(field->DB()->ReturnFields());
         fj["DB"] = dj;
       }
@@ -159,7 +150,7 @@ Json DumpTemplate(xun::clsXUNTemplate& t, const DumpOptions& options) {
       for (const auto& question : *field->Questions()) {
         Json qj = Json::object();
         DumpVisitor qv(qj);
-        props::Question(qv, *question);
+        props::Visit(qv, xun::properties::kQuestion, *question);
         qj["Choices"] = Strings(question->Choices());
         qj["Codes"] = Strings(question->Codes());
         props::QuestionReadOnly(qv, *question);

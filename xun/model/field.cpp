@@ -195,16 +195,10 @@ std::shared_ptr<clsXUNField> clsXUNField::Copy(bool bKeepLink, bool bKeepKey,
     // copy relies on that to re-point image-link regions.
     if (questions_) {
       for (const std::shared_ptr<clsXUNQuestion>& question : *questions_)
-        copy->questions_->Add(question->Copy());
+        detail::QuestionsInternals::Add(*copy->questions_, question->Copy());
     }
-    if (extra_) {
-      // With their keys: a named setting must not turn into one more unnamed value, which would
-      // break the registration layout those values carry.
-      copy->extra_ = clsXUNFieldExtra::Create();
-      for (int32_t position = 1; position <= extra_->Count(); ++position)
-        if (!copy->extra_->Add(extra_->Item(position), extra_->KeyOf(position)))
-          Raise(kErrInvalidCall);
-    }
+    // Named values too: the older region settings they hold are saved with the region.
+    if (extra_) copy->extra_ = extra_->Copy();
     if (db_) copy->db_ = db_->Copy();
     return copy;
   });

@@ -66,6 +66,45 @@ std::optional<std::string> clsXUNFieldExtra::KeyOf(const Index& index) const {
   return items_.KeyOf(index);
 }
 
+std::vector<int16_t> clsXUNFieldExtra::UnnamedValues() const {
+  std::vector<int16_t> values;
+  values.reserve(static_cast<size_t>(items_.Count()));
+  for (int32_t position = 1; position <= items_.Count(); ++position)
+    if (!items_.KeyOf(position)) values.push_back(items_.Item(position));
+  return values;
+}
+
+bool clsXUNFieldExtra::ReplaceUnnamedValues(const std::vector<int16_t>& values) {
+  return Trap("clsXUNFieldExtra.ReplaceUnnamedValues", [&] {
+    // Built aside and swapped in, so a failure leaves the list as it was.
+    Collection rebuilt;
+    for (const int16_t value : values)
+      rebuilt.Add(value);
+    for (int32_t position = 1; position <= items_.Count(); ++position)
+      if (std::optional<std::string> key = items_.KeyOf(position))
+        rebuilt.Add(items_.Item(position), std::move(key));
+    items_ = std::move(rebuilt);
+  });
+}
+
+bool clsXUNFieldExtra::SetNamed(const std::string& key, int16_t value) {
+  return Trap("clsXUNFieldExtra.SetNamed", [&] {
+    if (int16_t* item = items_.Find(key))
+      *item = value;
+    else
+      items_.Add(value, key);
+  });
+}
+
+std::shared_ptr<clsXUNFieldExtra> clsXUNFieldExtra::Copy() const {
+  return Trap("clsXUNFieldExtra.Copy", std::shared_ptr<clsXUNFieldExtra>(), [&] {
+    std::shared_ptr<clsXUNFieldExtra> copy = Create();
+    for (int32_t position = 1; position <= items_.Count(); ++position)
+      copy->items_.Add(items_.Item(position), items_.KeyOf(position));
+    return copy;
+  });
+}
+
 std::string clsXUNFieldExtra::AsString(const std::string& sDelimiter) const {
   return Trap("clsXUNFieldExtra.AsString", std::string(), [&] {
     std::string joined;

@@ -1,11 +1,14 @@
-// An ordered list of 16-bit integers with optional keys: a region's extra values, filled by the
-// bubble-grid work of registration and kept in the template file.
+// An ordered list of 16-bit integers with optional keys: a region's extra values. The unnamed
+// values hold the bubble grid that registration found (docs/recognition.md); named values hold
+// settings older template files keep on the region ("IDAdd", "IDType", "IDValue",
+// "TestVersionID", "ImageFillValue"). Both are kept in the template file.
 #pragma once
 
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "xun/export.h"
 #include "xun/support/bounded_array.h"
@@ -47,9 +50,18 @@ class XUN_API clsXUNFieldExtra : public Object {
   void Item(const Index& index, int16_t value);
 
   bool Exists(const Index& index) const noexcept { return items_.Exists(index); }
-  // The key of the entry at `index`; nullopt when it has none or there is no such entry. Keyed
-  // entries are named settings, apart from the unnamed values of a registration.
+  // The key of the entry at `index`: nullopt for an unnamed value or when there is no entry.
   std::optional<std::string> KeyOf(const Index& index) const;
+  // The unnamed values in list order: the registration layout, which named values never
+  // disturb wherever they stand.
+  std::vector<int16_t> UnnamedValues() const;
+  // Replaces the unnamed values by `values`, placed before the first named value; the named
+  // values stay as they are.
+  bool ReplaceUnnamedValues(const std::vector<int16_t>& values);
+  // Sets the value named `key`, keeping its place when there is one, else appending it.
+  bool SetNamed(const std::string& key, int16_t value);
+  // A free-standing copy, names included.
+  std::shared_ptr<clsXUNFieldExtra> Copy() const;
 
   // The values in plain decimal, joined with `sDelimiter` between them.
   std::string AsString(const std::string& sDelimiter = "\t") const;

@@ -1,8 +1,5 @@
 #include "xun/model/grid_registration.h"
 
-#include <string>
-#include <utility>
-
 #include "xun/model/field.h"
 #include "xun/model/field_extra.h"
 #include "xun/support/runtime_error.h"
@@ -20,9 +17,7 @@ std::optional<GridRegistration> ReadRegistration(const clsXUNField& field) {
   const int32_t rows = field.NumRows(), cols = field.NumCols();
   if (!extra || field.RecognitionType() != xunRecogTypeOMR || rows < 1 || cols < 1)
     return std::nullopt;
-  std::vector<int16_t> values;
-  for (int32_t position = 1; position <= extra->Count(); ++position)
-    if (!extra->KeyOf(position)) values.push_back(extra->Item(position));
+  const std::vector<int16_t> values = extra->UnnamedValues();
   const size_t r = static_cast<size_t>(rows), c = static_cast<size_t>(cols);
   if (values.size() != kHeader + c + r + r * c || values[0] != rows || values[1] != cols ||
       values[2] <= 0 || values[3] <= 0)
@@ -40,20 +35,13 @@ std::optional<GridRegistration> ReadRegistration(const clsXUNField& field) {
 }
 
 void WriteRegistration(clsXUNFieldExtra& extra, const GridRegistration& registration) {
-  std::vector<std::pair<std::string, int16_t>> named;
-  for (int32_t position = 1; position <= extra.Count(); ++position)
-    if (std::optional<std::string> key = extra.KeyOf(position))
-      named.emplace_back(std::move(*key), extra.Item(position));
   std::vector<int16_t> values = {registration.rows, registration.cols, registration.width,
                                  registration.height};
   for (const std::vector<int16_t>* part :
        {&registration.lefts, &registration.tops, &registration.fills})
     values.insert(values.end(), part->begin(), part->end());
-  if (!extra.RemoveAll()) Raise(kErrInvalidCall);
-  for (const int16_t value : values)
-    if (!extra.Add(value)) Raise(kErrInvalidCall);
-  for (auto& [key, value] : named)
-    if (!extra.Add(value, std::move(key))) Raise(kErrInvalidCall);
+  // Named values (older region settings) stay as they are.
+  if (!extra.ReplaceUnnamedValues(values)) Raise(kErrInvalidCall);
 }
 
 }  // namespace xun::detail

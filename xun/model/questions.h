@@ -11,6 +11,10 @@
 
 namespace xun {
 
+namespace detail {
+struct QuestionsInternals;
+}
+
 class XUN_API clsXUNQuestions : public Object {
  public:
   static std::shared_ptr<clsXUNQuestions> Create();
@@ -29,16 +33,30 @@ class XUN_API clsXUNQuestions : public Object {
   // Frees every question and empties the list.
   void Free();
 
-  // Used inside the library (the reader, Update, copies); hosts do not add or remove questions.
+ private:
+  // The library's own (the reader, copies, merging): a host gets its questions from Update.
+  friend struct detail::QuestionsInternals;
   bool Add(const std::shared_ptr<clsXUNQuestion>& oQuestion,
            std::optional<Index> Before = std::nullopt, std::optional<Index> After = std::nullopt);
   bool Remove(const Index& index);
   bool RemoveAll();
 
- private:
   clsXUNQuestions() = default;
   std::weak_ptr<clsXUNField> field_;
   detail::KeyedObjectList<clsXUNQuestion, clsXUNQuestions> items_;
 };
+
+namespace detail {
+// Adding and removing questions, for the library only.
+struct QuestionsInternals {
+  static bool Add(clsXUNQuestions& list, const std::shared_ptr<clsXUNQuestion>& question,
+                  std::optional<Index> before = std::nullopt,
+                  std::optional<Index> after = std::nullopt) {
+    return list.Add(question, before, after);
+  }
+  static bool Remove(clsXUNQuestions& list, const Index& index) { return list.Remove(index); }
+  static bool RemoveAll(clsXUNQuestions& list) { return list.RemoveAll(); }
+};
+}  // namespace detail
 
 }  // namespace xun

@@ -16,6 +16,10 @@
 
 namespace xun {
 
+namespace detail {
+struct TimingMarksInternals;
+}
+
 class XUN_API clsXUNTimingMarks : public Object {
  public:
   static std::shared_ptr<clsXUNTimingMarks> Create();
@@ -41,12 +45,20 @@ class XUN_API clsXUNTimingMarks : public Object {
   Variant Remove(const Index& index);
   std::shared_ptr<clsXUNTimingMark> Item(const Index& index) const;
   bool Exists(const Index& index) const noexcept;
-  // Used by the library itself, not by hosts.
-  bool RemoveAll();
 
  private:
+  // The library's own: a host replaces the whole list instead.
+  friend struct detail::TimingMarksInternals;
+  bool RemoveAll();
+
   clsXUNTimingMarks() = default;
   OrderedKeyedCollection<std::shared_ptr<clsXUNTimingMark>> items_;
 };
+
+namespace detail {
+struct TimingMarksInternals {
+  static bool RemoveAll(clsXUNTimingMarks& list) { return list.RemoveAll(); }
+};
+}  // namespace detail
 
 }  // namespace xun

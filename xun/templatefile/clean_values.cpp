@@ -118,4 +118,11 @@ std::string CleanText(std::string_view value, bool strip_tabs,
   return CleanTemplateValues(std::string(value), strip_tabs, strip_characters);
 }
 
+std::string FileText(std::string_view value, bool strip_tabs, const std::string& strip_characters) {
+  std::string clean = CleanText(value, strip_tabs, strip_characters);
+  const std::string_view trimmed = text::Trim(clean);
+  if (trimmed.size() == clean.size()) return clean;
+  return std::string(trimmed);
+}
+
 }  // namespace xun::basTemplate::detail

@@ -42,12 +42,4 @@ int32_t Int32Value(const std::string& value) {
   return CLng(NumberValue(value));
 }
 
-std::string TextValue(const std::string& value, const std::string& strip_characters) {
-  return CleanText(value, true, strip_characters);
-}
-
-std::string KeyValue(const std::string& value) {
-  return std::string(text::Trim(TextValue(value)));
-}
-
 }  // namespace xun::basTemplate::detail

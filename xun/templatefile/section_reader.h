@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "xun/support/text.h"
-#include "xun/templatefile/clean_text.h"
 
 namespace xun::basTemplate::detail {
 
@@ -99,7 +98,8 @@ bool ReadSectionKeys(LineCursor& cursor, OnKey&& on_key) {
 std::string HeaderOf(std::string_view line);
 
 // Value conversions of the file format: the lenient leading number, a flag that is true for
-// any number but 0, 16- and 32-bit whole numbers (error 6 out of range), and cleaned text.
+// any number but 0, 16- and 32-bit whole numbers (error 6 out of range). Text is cleaned by
+// FileText (clean_text.h), as the writer cleans it.
 double NumberValue(const std::string& value);
 // A single-precision number; error 6 beyond its range, as a value the writer could not write
 // back (an infinity) must not be read.
@@ -107,10 +107,5 @@ float SingleValue(const std::string& value);
 bool FlagValue(const std::string& value);
 int16_t Int16Value(const std::string& value);
 int32_t Int32Value(const std::string& value);
-std::string TextValue(const std::string& value, const std::string& strip_characters = {});
-// An object's key: cleaned text, trimmed again. The cleaner trims before it turns tabs into
-// blanks, so "K<tab>" would be "K " here but "K" once saved; two keys that differ only so would
-// then collide on the next read, and the collision would cost one of them its key.
-std::string KeyValue(const std::string& value);
 
 }  // namespace xun::basTemplate::detail

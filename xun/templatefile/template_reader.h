@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <unordered_map>
 
 #include "xun/export.h"
 #include "xun/model/fwd.h"
@@ -16,13 +15,11 @@ namespace xun::basTemplate {
 
 namespace detail {
 
-// Values older files keep on a region although they belong to its questions (IDAdd, IDType,
-// IDValue, TestVersionID) or to its entry defaults (ImageFillValue). They stay here, beside the
-// tree, rather than in the region's attributes, so nothing of them is written back: each
-// question of the region takes them when it has no such key of its own, and ImageFillValue
-// becomes the region's DefaultFill when that is empty.
+// The text of the older keys that files keep on a region although they belong to its questions,
+// as the region being read had them: each of its questions takes them when it has no such key of
+// its own. They are kept in the tree as named extra values of the region too (see section_keys).
 struct RegionCarriedValues {
-  std::optional<std::string> id_add, id_type, id_value, test_version_id, image_fill_value;
+  std::optional<std::string> id_add, id_type, id_value, test_version_id;
 };
 
 // The state of one read.
@@ -41,7 +38,8 @@ struct ReaderContext {
   int32_t link_regions_left = 0;
   bool link_start_next = false;
 
-  std::unordered_map<const clsXUNField*, RegionCarriedValues> carried;
+  // Of the region read last: questions always follow their region.
+  RegionCarriedValues region_carried;
 };
 
 // Each reads the section whose header the cursor stands on and leaves the cursor on the line

@@ -89,9 +89,9 @@ void StoreIdentificationSummary(clsXUNTemplate& form) {
   }
 }
 
-std::string BuildFileText(const clsXUNTemplate& form, bool valid) {
+std::string BuildFileText(const clsXUNTemplate& form) {
   detail::TemplateText out;
-  detail::WriteFormSection(out, form, valid);
+  detail::WriteFormSection(out, form);
   for (const auto& page : Members(form.Pages())) {
     detail::WritePageSection(out, *page);
     const auto fields = Members(page->Fields());
@@ -168,7 +168,7 @@ bool SaveTemplate(const std::string& sTemplateFile, clsXUNTemplate& oTemplate, b
     xun::detail::TemplateInternals::SetValid(oTemplate, valid);
     if (bInvalid) *bInvalid = !valid;
 
-    const std::string file_text = BuildFileText(oTemplate, valid);
+    const std::string file_text = BuildFileText(oTemplate);
     std::error_code ec;
     const bool exists = std::filesystem::is_regular_file(sTemplateFile, ec);
     const std::string bytes =

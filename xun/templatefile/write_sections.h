@@ -16,8 +16,6 @@ class TemplateText {
   void Section(std::string_view header);
   // The value exactly as given; callers clean text first.
   void Raw(std::string_view key, std::string_view value);
-  // Text passed through the value cleaner: no line break reaches the file.
-  void Text(std::string_view key, const std::string& value);
   void Bool(std::string_view key, bool value);
   void Int(std::string_view key, int32_t value);
   void Number(std::string_view key, double value);
@@ -34,7 +32,8 @@ inline constexpr const char* kIllegalNameCharacters = "46,33,39,91,93,44,34,40,4
 inline constexpr const char* kIllegalLabelCharacters = "44,34,40,41";
 inline constexpr const char* kIllegalValueCharacters = "34,40,41";
 
-void WriteFormSection(TemplateText& out, const clsXUNTemplate& form, bool valid);
+// The keys of each section come from its table (section_keys.h).
+void WriteFormSection(TemplateText& out, const clsXUNTemplate& form);
 void WritePageSection(TemplateText& out, const clsXUNPage& page);
 void WriteLinkSection(TemplateText& out, int32_t linked_fields);
 void WriteFieldSection(TemplateText& out, const clsXUNField& field);

@@ -48,6 +48,20 @@ open(path, "wb").write(out)
 PY
 }
 
+# The document without its questions' keys, and region links to them by key.
+without_question_keys() {
+  python3 - "$1" <<'PY'
+import json, sys
+doc = json.load(open(sys.argv[1]))
+for page in doc["Template"]["Pages"]:
+    for region in page["Regions"]:
+        region.pop("ImageLinkQuestionKey", None)
+        for question in region["Questions"]:
+            question.pop("Key", None)
+print(json.dumps(doc, indent=1))
+PY
+}
+
 case $flow in
 roundtrip)
   # dump then build gives an equal template, for every example.
@@ -57,7 +71,10 @@ roundtrip)
     "$tool" dump "$example" -o "$name.json" --images "$name.images"
     "$tool" build "$name.json" -o "$name.omr" >/dev/null
     "$tool" dump "$name.omr" -o "$name.again.json" --images "$name.images"
-    cmp -s "$name.json" "$name.again.json" || fail "$name: dump of the built template differs"
+    # Built questions keep the keys their lists gave them (docs/xuntemplate.md).
+    without_question_keys "$name.json" >"$name.a.json"
+    without_question_keys "$name.again.json" >"$name.b.json"
+    cmp -s "$name.a.json" "$name.b.json" || fail "$name: dump of the built template differs"
     "$tool" check "$name.omr" >/dev/null || fail "$name: the built template does not check clean"
   done
   # A script's minimal document: absent keys keep their defaults.
