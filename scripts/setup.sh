@@ -21,6 +21,7 @@ PACKAGES=(
   libgraphicsmagick1-dev    # page images: TIFF, PNG, JPEG, PCX, DCX in, PCX out
   libgraphicsmagick++1-dev  # the recognition tests and make_examples draw page images with it
   libzxing-dev       # barcode type detection; the tests draw barcodes with it
+  libopencv-dev      # the recognition engine's image work (core and imgproc)
   libcli11-dev       # the xuntemplate command line
   nlohmann-json3-dev # xuntemplate dump and build
   chromium           # the xuntemplate render test looks at the SVG in a browser

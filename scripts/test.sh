@@ -45,8 +45,8 @@ cmake --build build-sanitize
 echo "== fuzz build (clang++, libFuzzer) and 60 seconds per fuzzer"
 CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DXUN_BUILD_FUZZ=ON -DXUN_WERROR=ON \
   -DXUN_BUILD_TESTS=OFF -DXUN_BUILD_BENCH=OFF -DXUN_BUILD_TOOLS=OFF
-cmake --build build-fuzz --target fuzz_read_template fuzz_read_archive fuzz_build_tree
-for target in read_template read_archive build_tree; do
+cmake --build build-fuzz --target fuzz_read_template fuzz_read_archive fuzz_build_tree fuzz_engine
+for target in read_template read_archive build_tree engine; do
   # A copy of the seeds: the fuzzer adds to its corpus, and the repository must stay as it is.
   seeds=fuzz/corpus/$target
   if [[ ! -d "$seeds" ]]; then seeds=fuzz/corpus/read_template; fi

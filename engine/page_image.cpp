@@ -1,0 +1,86 @@
+#include "engine/page_image.h"
+
+#include <opencv2/imgproc.hpp>
+
+#include <algorithm>
+#include <cmath>
+
+#include "engine/engine_error.h"
+#include "engine/xunrec.h"
+
+namespace xunrec {
+namespace {
+
+// Darker than the paper around it by this much (of 255) is ink: light pencil (40% grey) passes;
+// scanner noise, paper texture and the grey fringe a blurred scan puts around every stroke do
+// not.
+constexpr double kLocalContrast = 64;
+// This dark is ink whatever surrounds it: the inside of a solid area larger than the
+// neighbourhood (a logo, a thick bar) is as dark as its surroundings.
+constexpr double kAbsoluteDark = 64;
+
+int Odd(double value, int minimum) {
+  const int n = std::max(minimum, static_cast<int>(std::lround(value)));
+  return n | 1;
+}
+
+}  // namespace
+
+cv::Mat Binarise(const cv::Mat& grey, int dpi) {
+  cv::Mat dark;
+  // Only black and white: a 1-bit scan, taken as it is.
+  cv::Mat between;
+  cv::inRange(grey, 1, 254, between);
+  if (cv::countNonZero(between) == 0) {
+    cv::compare(grey, 128, dark, cv::CMP_LT);
+    return dark;
+  }
+  // Grey: each pixel against the mean of half an inch around it, so uneven lighting and light
+  // pencil are both handled. No smoothing first: it would widen every stroke by a pixel, and
+  // the contrast asked for is well above scanner noise.
+  cv::adaptiveThreshold(grey, dark, 255, cv::ADAPTIVE_THRESH_MEAN_C, cv::THRESH_BINARY_INV,
+                        Odd(dpi / 2.0, 3), kLocalContrast);
+  cv::Mat solid;
+  cv::compare(grey, kAbsoluteDark, solid, cv::CMP_LT);
+  cv::bitwise_or(dark, solid, dark);
+  return dark;
+}
+
+std::unique_ptr<PageImage> PageImage::Load(const std::string& path, int xdpi, int ydpi, int width,
+                                           int height) {
+  if (xdpi <= 0 || ydpi <= 0 || width < 0 || height < 0) throw EngineError(XUNREC_BAD_ARGUMENT);
+  std::unique_ptr<PageImage> page(new PageImage);
+  page->grey_ = DecodeGrey(path);
+  if ((width > 0 && width != page->grey_.cols) || (height > 0 && height != page->grey_.rows))
+    throw EngineError(XUNREC_SIZE_MISMATCH);
+  page->xdpi_ = xdpi;
+  page->ydpi_ = ydpi;
+  page->dark_ = Binarise(page->grey_, std::max(xdpi, ydpi));
+  cv::Mat ones;
+  cv::bitwise_and(page->dark_, cv::Scalar(1), ones);
+  cv::integral(ones, page->integral_, CV_32S);
+  return page;
+}
+
+cv::Rect PageImage::UnclippedPixels(const UnitRect& rect) const {
+  const auto x = [&](int units) { return static_cast<int>(std::lround(XPixels(units))); };
+  const auto y = [&](int units) { return static_cast<int>(std::lround(YPixels(units))); };
+  return cv::Rect(cv::Point(x(rect.left), y(rect.top)), cv::Point(x(rect.right), y(rect.bottom)));
+}
+
+cv::Rect PageImage::Pixels(const UnitRect& rect) const {
+  if (rect.right <= rect.left || rect.bottom <= rect.top) throw EngineError(XUNREC_BAD_RECTANGLE);
+  const cv::Rect clipped = UnclippedPixels(rect) & cv::Rect(cv::Point(0, 0), Size());
+  if (clipped.empty()) throw EngineError(XUNREC_BAD_RECTANGLE);
+  return clipped;
+}
+
+int64_t PageImage::DarkCount(const cv::Rect& pixels) const {
+  const cv::Rect r = pixels & cv::Rect(cv::Point(0, 0), Size());
+  if (r.empty()) return 0;
+  const auto at = [&](int y, int x) { return static_cast<int64_t>(integral_.at<int32_t>(y, x)); };
+  return at(r.y + r.height, r.x + r.width) - at(r.y, r.x + r.width) - at(r.y + r.height, r.x) +
+         at(r.y, r.x);
+}
+
+}  // namespace xunrec
