@@ -11,9 +11,17 @@
 #include "xun/support/error_reporter.h"
 #include "xun/support/message_box.h"
 #include "xun/support/trap.h"
+#include "xun/templatefile/clean_text.h"
 
 namespace xun {
 namespace {
+
+// An identification value as a saved file holds it: a value of blanks and tabs is no value, and
+// two values the file cannot tell apart are the same, so the rules give the same answer before a
+// save and after the read.
+std::string IDValueOf(const clsXUNQuestion& question) {
+  return basTemplate::detail::FileText(question.IDValue(), true, "");
+}
 
 bool HasRole(const clsXUNQuestion& question, xunIDType role) {
   return role == xunIDTypeAny ? question.IDType() >= xunIDTypeForm : question.IDType() == role;
@@ -68,7 +76,7 @@ std::string CheckFormID(const clsXUNTemplate& t) {
   if (found.size() > 1) return "The template contains more than one form ID region.";
   if (found[0].page != 1) return "The form ID region must be on the first page of the template.";
   if (!found[0].field->Read()) return "The form ID region must be read.";
-  if (found[0].question->IDValue().empty())
+  if (IDValueOf(*found[0].question).empty())
     return "The form ID region does not have a form ID value.";
   return {};
 }
@@ -88,11 +96,11 @@ std::string CheckPageID(const clsXUNTemplate& t) {
     if (!by_page[page][0]->field->Read())
       return "The page ID region on page " + PageText(page) + " must be read.";
   for (int32_t page = 1; page <= pages; ++page)
-    if (by_page[page][0]->question->IDValue().empty())
+    if (IDValueOf(*by_page[page][0]->question).empty())
       return "The page ID region on page " + PageText(page) + " does not have a page ID value.";
   std::map<std::string, int32_t> page_of_value;
   for (int32_t page = 1; page <= pages; ++page) {
-    const auto [it, fresh] = page_of_value.emplace(by_page[page][0]->question->IDValue(), page);
+    const auto [it, fresh] = page_of_value.emplace(IDValueOf(*by_page[page][0]->question), page);
     if (!fresh)
       return "Pages " + PageText(it->second) + " and " + PageText(page) +
              " have the same page ID value.";

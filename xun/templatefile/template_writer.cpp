@@ -20,6 +20,7 @@
 #include "xun/templatefile/archive_password.h"
 #include "xun/templatefile/bas_template.h"
 #include "xun/templatefile/check_required.h"
+#include "xun/templatefile/clean_text.h"
 #include "xun/templatefile/file_layer.h"
 #include "xun/templatefile/write_sections.h"
 
@@ -81,7 +82,9 @@ void StoreIdentificationSummary(clsXUNTemplate& form) {
     const auto [field, index] = FirstIDQuestion(form, keys.role);
     if (!field) continue;
     const std::shared_ptr<clsXUNQuestion> question = field->Questions()->Item(index);
-    attributes->Add(prefix + "IDField", Variant(field->FieldName()));
+    // The region's name as the file holds it, so the summary still names it after a read.
+    attributes->Add(prefix + "IDField", Variant(detail::FileText(field->FieldName(), true,
+                                                                 detail::kIllegalNameCharacters)));
     attributes->Add(prefix + "IDQuestion", Variant(index));
     attributes->Add(prefix + "IDIndex", Variant(question->ReturnIndex(true)));
     if (keys.has_value) attributes->Add(prefix + "IDValue", Variant(question->IDValue()));
