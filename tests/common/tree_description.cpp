@@ -8,6 +8,13 @@
 namespace xun::testing {
 namespace {
 
+// The library's cleaner, and the lists of characters it removes from names, choice labels and
+// codes.
+clsXUNTemplate& Cleaner() {
+  static const std::shared_ptr<clsXUNTemplate> cleaner = clsXUNTemplate::Create();
+  return *cleaner;
+}
+
 class Describer {
  public:
   explicit Describer(bool file_view) : file_view_(file_view) { out_.precision(17); }
@@ -23,27 +30,18 @@ class Describer {
   void Put(const std::string& path, const char* name, float value) {
     Put(path, name, static_cast<double>(value));
   }
-  // In the file view text is as a file holds it: tabs and line breaks (CR LF as one) become
-  // blanks, and blanks at either end go.
-  static std::string AsFileText(const std::string& value) {
-    std::string out;
-    for (size_t i = 0; i < value.size(); ++i) {
-      const char c = value[i];
-      if (c == '\r' && i + 1 < value.size() && value[i + 1] == '\n') ++i;
-      out += c == '\t' || c == '\r' || c == '\n' ? ' ' : c;
-    }
-    return std::string(text::Trim(out));
+  // In the file view text is as a file holds it: the library's own cleaner (tabs and line breaks
+  // become blanks, then the listed characters go) and blanks at either end trimmed once more.
+  static std::string AsFileText(const std::string& value, const std::string& codes = "") {
+    return std::string(text::Trim(Cleaner().CleanValues(value, true, codes).ToText()));
   }
   void PutText(const std::string& path, const char* name, const std::string& value) {
     Put(path, name, "\"" + (file_view_ ? AsFileText(value) : value) + "\"");
   }
   // Names lose the characters . ! ' [ ] , " ( ) as well.
   void PutName(const std::string& path, const char* name, const std::string& value) {
-    std::string kept;
-    for (const char c : value)
-      if (!file_view_ || std::string_view(".!'[],\"()").find(c) == std::string_view::npos)
-        kept += c;
-    PutText(path, name, kept);
+    Put(path, name,
+        "\"" + (file_view_ ? AsFileText(value, Cleaner().IllegalNameCharacters()) : value) + "\"");
   }
   // Whether a value of a key group goes into the description: always in the full view, in the
   // file view only when the region's kind writes that group.
@@ -63,17 +61,13 @@ class Describer {
           file_view_ ? AsFileText(value.ToText()) : value.ToText());
     }
   }
-  // In the file view each item cleaned, and without the characters `removed`.
+  // In the file view each item cleaned, and without the characters of the code list `removed`.
   void PutItems(const std::string& path, const char* name,
-                const std::shared_ptr<clsXUNStringItems>& items, std::string_view removed = {}) {
+                const std::shared_ptr<clsXUNStringItems>& items, const std::string& removed = "") {
     if (!items) return Put(path, name, "none");
     std::string joined;
-    for (const std::string& item : *items) {
-      std::string kept;
-      for (const char c : item)
-        if (!file_view_ || removed.find(c) == std::string_view::npos) kept += c;
-      joined += "|" + (file_view_ ? AsFileText(kept) : kept);
-    }
+    for (const std::string& item : *items)
+      joined += "|" + (file_view_ ? AsFileText(item, removed) : item);
     Put(path, name, std::to_string(items->Count()) + ":" + joined);
   }
   // The unnamed values (the registration layout), then the named ones. The file view holds only
@@ -235,8 +229,8 @@ class Describer {
     PutKey(p, q.Key());
     PutName(p, "QuestionName", q.QuestionName());
     PutText(p, "QuestionText", q.QuestionText());
-    PutItems(p, "Choices", q.Choices(), ",\"()");
-    PutItems(p, "Codes", q.Codes(), "\"()");
+    PutItems(p, "Choices", q.Choices(), Cleaner().IllegalLabelCharacters());
+    PutItems(p, "Codes", q.Codes(), Cleaner().IllegalValueCharacters());
     Put(p, "IDType", q.IDType());
     PutText(p, "IDValue", q.IDValue());
     Put(p, "IDAdd", q.IDAdd());
