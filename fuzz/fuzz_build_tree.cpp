@@ -253,6 +253,7 @@ class TreeBuilder {
 [[noreturn]] void Fail(const char* step, const std::string& expected = {},
                        const std::string& actual = {}) {
   std::fprintf(stderr, "fuzz_build_tree: %s\n", step);
+  if (actual.empty() && !expected.empty()) std::fprintf(stderr, "  %s\n", expected.c_str());
   size_t line_start = 0;
   for (size_t i = 0; i < expected.size() && i < actual.size(); ++i) {
     if (expected[i] != actual[i]) {
@@ -284,7 +285,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   // and may not read back (docs/template-reader.md). Any other must.
   auto read = xun::clsXUNTemplate::Create();
   if (!read->Read(first, true)) {
-    if (!invalid) xun::fuzz::Fail("a file saved as valid does not read for editing");
+    if (!invalid)
+      xun::fuzz::Fail("a file saved as valid does not read for editing",
+                      xun::basTemplate::LastReadDiagnostic().title + ": " +
+                          xun::basTemplate::LastReadDiagnostic().text);
     built->Free();
     read->Free();
     return 0;
