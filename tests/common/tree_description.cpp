@@ -137,6 +137,8 @@ class Describer {
     Put(p, "WeightedRotate", page.WeightedRotate());
     Put(p, "FilledPixels", page.FilledPixels());
     PutText(p, "TimingMarks", page.TimingMarks() ? page.TimingMarks()->AsString() : "none");
+    // A link group lies on one page: the same number on another page is another group.
+    link_groups_.clear();
     int n = 0;
     if (page.Fields())
       for (const auto& field : *page.Fields())
@@ -259,8 +261,9 @@ class Describer {
 
   std::string str() const { return out_.str(); }
 
-  // In the file view a group is named by its order of appearance: the file holds which regions
-  // are linked together, not the group numbers, and a read numbers the groups it finds.
+  // In the file view a group is named by its order of appearance on its page: the file holds
+  // which regions are linked together, not the group numbers, and a read numbers the groups it
+  // finds.
   int LinkGroupOf(int16_t group) {
     if (!file_view_ || group == 0) return group;
     const auto [it, added] = link_groups_.try_emplace(group, link_groups_.size() + 1);
