@@ -8,34 +8,17 @@
 
 #include <utility>
 
+#include "imaging/barcode_formats.h"
 #include "imaging/page_image.h"
 
 namespace xun::imaging {
 namespace {
 
-// The symbologies a barcode region can be set to that ZXing reads. Code 39 Extended cannot be
-// told from Code 39 by the symbol, and the 2-of-5 variants other than interleaved, Code 11,
-// Patch, Code 32 and Postnet are not read: such a barcode is simply not found.
-constexpr std::pair<ZXing::BarcodeFormat, xunFieldType> kFormats[] = {
-    {ZXing::BarcodeFormat::Code39, xunFieldTypeBarcodeCode39},
-    {ZXing::BarcodeFormat::Codabar, xunFieldTypeBarcodeCodaBar},
-    {ZXing::BarcodeFormat::ITF, xunFieldTypeBarcodeInterleaved2of5},
-    {ZXing::BarcodeFormat::Code93, xunFieldTypeBarcodeCode93},
-    {ZXing::BarcodeFormat::Code128, xunFieldTypeBarcodeCode128},
-    {ZXing::BarcodeFormat::EAN13, xunFieldTypeBarcodeEAN13},
-    {ZXing::BarcodeFormat::EAN8, xunFieldTypeBarcodeEAN8},
-    {ZXing::BarcodeFormat::UPCA, xunFieldTypeBarcodeUPCA},
-    {ZXing::BarcodeFormat::UPCE, xunFieldTypeBarcodeUPCE},
-    {ZXing::BarcodeFormat::PDF417, xunFieldTypeBarcodePDF417},
-    {ZXing::BarcodeFormat::DataMatrix, xunFieldTypeBarcodeDataMatrix},
-    {ZXing::BarcodeFormat::QRCode, xunFieldTypeBarcodeQRCode},
-};
-
 xunFieldType TypeOf(const ZXing::Result& result) {
   // GS1-128 is Code 128 with the FNC1 marker, which the symbology identifier "]C1" shows.
   if (result.format() == ZXing::BarcodeFormat::Code128 && result.symbologyIdentifier() == "]C1")
     return xunFieldTypeBarcodeUcc128;
-  for (const auto& [format, type] : kFormats)
+  for (const auto& [format, type] : kBarcodeFormats)
     if (format == result.format()) return type;
   return xunFieldTypeOMRNone;
 }
@@ -46,7 +29,7 @@ std::optional<detail::FoundBarcode> ReadBarcode(const std::string& file, int32_t
                                                 int32_t right, int32_t bottom) {
   const GreyImage grey = ReadGreyRegion(file, left, top, right, bottom);
   ZXing::BarcodeFormats formats;
-  for (const auto& entry : kFormats)
+  for (const auto& entry : kBarcodeFormats)
     formats |= entry.first;
   ZXing::DecodeHints hints;
   hints.setFormats(formats);

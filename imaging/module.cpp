@@ -1,6 +1,7 @@
 // The module's one export: the table the template library calls through.
 #include "imaging/barcode_reader.h"
 #include "imaging/page_image.h"
+#include "imaging/print_raster.h"
 #include "xun/recognition/imaging_module.h"
 
 extern "C" __attribute__((visibility("default"))) const xun::detail::ImagingModule*
@@ -9,6 +10,7 @@ XUNIMG_module() {
     xun::detail::ImagingModule table;
     table.import_page = &xun::imaging::ImportImagePage;
     table.read_barcode = &xun::imaging::ReadBarcode;
+    table.print_page = &xun::imaging::PrintRaster;
     return table;
   }();
   return &module;

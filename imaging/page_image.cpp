@@ -255,4 +255,31 @@ GreyImage ReadGreyRegion(const std::string& file, int32_t left, int32_t top, int
   return grey;
 }
 
+std::string EncodeGrey(const uint8_t* pixels, int32_t width, int32_t height, int32_t dpi,
+                       const char* format) {
+  StartMagick();
+  Exception exception;
+  ImageList image(ConstituteImage(static_cast<unsigned long>(width),
+                                  static_cast<unsigned long>(height), "I", CharPixel, pixels,
+                                  &exception.info));
+  if (!image || exception.Failed()) RaiseInvalidPicture(exception);
+  SetImageType(image.get(), GrayscaleType);
+  image->x_resolution = dpi;
+  image->y_resolution = dpi;
+  image->units = PixelsPerInchResolution;
+  std::snprintf(image->magick, sizeof image->magick, "%s", format);
+  Info info(CloneImageInfo(nullptr));
+  if (!info) Raise(kErrOutOfMemory);
+  std::snprintf(info->magick, sizeof info->magick, "%s", format);
+  size_t size = 0;
+  void* blob = ImageToBlob(info.get(), image.get(), &size, &exception.info);
+  if (!blob || exception.Failed()) {
+    if (blob) MagickFree(blob);
+    RaiseInvalidPicture(exception);
+  }
+  std::string bytes(static_cast<const char*>(blob), size);
+  MagickFree(blob);
+  return bytes;
+}
+
 }  // namespace xun::imaging

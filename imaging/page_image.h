@@ -26,3 +26,12 @@ GreyImage ReadGreyRegion(const std::string& file, int32_t left, int32_t top, int
                          int32_t bottom);
 
 }  // namespace xun::imaging
+
+namespace xun::imaging {
+
+// An 8-bit grey image (row after row, 0 black) as the bytes of a file in `format` ("PNG"), with
+// its resolution in dots per inch recorded.
+std::string EncodeGrey(const uint8_t* pixels, int32_t width, int32_t height, int32_t dpi,
+                       const char* format);
+
+}  // namespace xun::imaging

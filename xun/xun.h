@@ -19,6 +19,8 @@
 #include "xun/model/template.h"
 #include "xun/model/timing_mark.h"
 #include "xun/model/timing_marks.h"
+#include "xun/printing/page_layout.h"
+#include "xun/printing/print_page.h"
 #include "xun/recognition/bas_externs.h"
 #include "xun/recognition/bas_image.h"
 #include "xun/recognition/recognition_engine.h"

@@ -234,9 +234,8 @@ void WriteOutputFile(const std::string& target, const std::string& text) {
 }
 
 PageExtent ExtentOf(const xun::clsXUNTemplate& t) {
-  PageExtent e{t.PageWidth() * 100.0, t.PageHeight() * 100.0};
-  if (t.Orientation() == xun::xunOrientationTypeFormLandscape && e.width < e.height)
-    std::swap(e.width, e.height);
+  PageExtent e;
+  xun::printing::PageSizeOf(t, e.width, e.height);
   return e;
 }
 

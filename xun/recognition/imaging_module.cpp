@@ -22,7 +22,7 @@ const ImagingModule& Imaging() {
   const auto entry = reinterpret_cast<Entry>(dlsym(handle, kImagingEntryPoint));
   const ImagingModule* module = entry ? entry() : nullptr;
   if (!module || module->version != ImagingModule::kVersion || !module->import_page ||
-      !module->read_barcode) {
+      !module->read_barcode || !module->print_page) {
     dlclose(handle);
     throw RuntimeError(kErrDllFunctionNotFound, std::string("Can't find DLL entry point ") +
                                                     kImagingEntryPoint + " in " +

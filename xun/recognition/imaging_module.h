@@ -9,6 +9,7 @@
 #include <string>
 
 #include "xun/model/enums.h"
+#include "xun/printing/page_layout.h"
 
 namespace xun::detail {
 
@@ -36,7 +37,7 @@ struct FoundBarcode {
 // the template library's error type).
 struct ImagingModule {
   // Raised by the module when the table's layout changes; the loader refuses another.
-  static constexpr int32_t kVersion = 1;
+  static constexpr int32_t kVersion = 2;
   int32_t version = kVersion;
 
   // Reads page `page_index` (1-based) of an image file and converts it. An image without a
@@ -51,6 +52,10 @@ struct ImagingModule {
   // Error 5 when the rectangle lies outside the image.
   std::optional<FoundBarcode> (*read_barcode)(const std::string& file, int32_t left, int32_t top,
                                               int32_t right, int32_t bottom) = nullptr;
+
+  // The page drawn at `dpi` dots per inch as the bytes of a grey PNG file. Errors: 6 too large,
+  // 481 when the page image underneath cannot be read.
+  std::string (*print_page)(const printing::PageLayout& layout, int32_t dpi) = nullptr;
 };
 
 // The module's library name, opened beside the template library first.
