@@ -46,24 +46,25 @@ TEST_F(SheetScan, TruthAgreesWithThePixels) {
   for (const Distortions& d : {Distortions{}, moved})
     for (const uint32_t seed : {3u, 4u}) {
       const Scan scan = ScanOf(synthscan::RandomMarks(Page(), seed), d, seed);
+      const cv::Mat blank = ScanOf({}, d, seed).image;
       ASSERT_EQ(scan.bubbles.size(), 100u);
       std::map<Truth, int> seen;
       for (const synthscan::BubbleTruth& b : scan.bubbles) {
-        const Ink ink = InkInBubble(scan, b.rect);
+        const Ink ink = AddedInk(scan, blank, b.rect);
         ++seen[b.truth];
         SCOPED_TRACE(b.at.region + " " + std::to_string(b.at.row) + "," + std::to_string(b.at.col) +
                      " " + synthscan::MarkName(b.mark));
         if (b.truth == Truth::kMarked) {
-          EXPECT_GE(ink.darkness, 0.35);
+          EXPECT_GE(ink.darkness, 0.38);
         }
         if (b.truth == Truth::kUnmarked) {
-          EXPECT_LE(ink.darkness, 0.15);
+          EXPECT_LE(ink.darkness, 0.12);
         }
         if (b.mark.kind == synthscan::MarkKind::kFull) {
-          EXPECT_GE(ink.dark_share, 0.85);
+          EXPECT_GE(ink.dark_share, 0.95);
         }
         if (b.mark.kind == synthscan::MarkKind::kBlank) {
-          EXPECT_LE(ink.dark_share, 0.15);
+          EXPECT_LE(ink.dark_share, 0.01);
         }
       }
       EXPECT_GT(seen[Truth::kMarked], 10);

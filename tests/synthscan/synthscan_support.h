@@ -47,14 +47,16 @@ inline std::shared_ptr<clsXUNTemplate> AnswerSheet() {
   return form;
 }
 
-// Of the pixels of a scan inside the ellipse inscribed in bubble `rect` (page units), shrunk
-// by `inner` so that the printed outline stays out, wherever the scan put the page: the share
-// darker than mid grey, and the mean darkness (0 white, 1 black).
+// What a respondent added inside bubble `rect` (page units) of `scan`, against `blank`, the
+// same scan of the unmarked form: over the paper of the blank inside the bubble's ellipse, shrunk
+// by `inner` to keep the printed outline out, the share that is darker than mid grey, and the
+// mean darkness laid over the paper (0 none, 1 black). The printed choice label is not counted.
 struct Ink {
   double dark_share = 0, darkness = 0;
 };
 
-inline Ink InkInBubble(const synthscan::Scan& scan, const BubbleRect& rect, double inner = 0.75) {
+inline Ink AddedInk(const synthscan::Scan& scan, const cv::Mat& blank, const BubbleRect& rect,
+                    double inner = 0.8) {
   const cv::Point2d centre =
       synthscan::OnScan(scan, (rect.Left + rect.Right) / 2.0, (rect.Top + rect.Bottom) / 2.0);
   const double to_pixels = std::hypot(scan.page_to_pixels(0, 0), scan.page_to_pixels(1, 0));
@@ -72,12 +74,18 @@ inline Ink InkInBubble(const synthscan::Scan& scan, const BubbleRect& rect, doub
                                                            static_cast<float>(window.y)),
                               ellipse.size, ellipse.angle),
               cv::Scalar(255), cv::FILLED);
-  const cv::Mat pixels = scan.image(window);
-  const double count = cv::countNonZero(mask);
-  cv::Mat1b dark;
-  cv::compare(pixels, 128, dark, cv::CMP_LT);
-  cv::bitwise_and(dark, mask, dark);
-  return {cv::countNonZero(dark) / count, 1.0 - cv::mean(pixels, mask)[0] / 255.0};
+  int paper = 0, dark = 0;
+  double darkness = 0;
+  for (int y = 0; y < window.height; ++y)
+    for (int x = 0; x < window.width; ++x) {
+      const double under = blank.at<uint8_t>(window.y + y, window.x + x);
+      if (!mask(y, x) || under < 200) continue;
+      const double seen = scan.image.at<uint8_t>(window.y + y, window.x + x);
+      ++paper;
+      dark += seen < 128;
+      darkness += std::max(0.0, 1 - seen / under);
+    }
+  return {static_cast<double>(dark) / paper, darkness / paper};
 }
 
 }  // namespace xun::testing
