@@ -8,6 +8,7 @@
 
 #include "common/test_support.h"
 #include "engine/engine_calls.h"
+#include "synthscan/distortions.h"
 
 namespace xun::testing {
 namespace {
@@ -115,9 +116,16 @@ TEST(DrawnGrid, HoldsOnARotatedBlurredNoisyScan) {
       // Turned about the grid's middle: its corners move by up to two units, its rows and
       // columns on average not at all.
       SyntheticPage page = DrawnPage(200, true);
-      page.Rotate(degrees, (grid.left + grid.Right()) / 2.0, (grid.top + grid.Bottom()) / 2.0);
-      page.Blur(1.0);
-      page.Noise(12, 3);
+      synthscan::Distortions scanner;
+      scanner.rotate = degrees;
+      scanner.blur = 1.0;
+      scanner.noise = 12;
+      // The scanner turns about the page's middle; a shift brings the grid's middle back.
+      const double x = (grid.left + grid.Right()) / 2.0, y = (grid.top + grid.Bottom()) / 2.0;
+      const cv::Matx23d turn = synthscan::PageToPixels(scanner, page.Grey().size(), 200);
+      scanner.shift_x = x - (turn(0, 0) * x + turn(0, 1) * y + turn(0, 2)) / 2.0;
+      scanner.shift_y = y - (turn(1, 0) * x + turn(1, 1) * y + turn(1, 2)) / 2.0;
+      page.Grey() = synthscan::Distort(page.Grey(), scanner, 200, 3);
       TempFolder folder;
       LoadedImage loaded(page.Save(folder.File("scan.tiff"), "tiff"), 200);
       ASSERT_EQ(loaded.Code(), XUNREC_OK);

@@ -73,28 +73,6 @@ void SyntheticPage::DrawClutter(const UnitBox& area, unsigned seed) {
   }
 }
 
-void SyntheticPage::Rotate(double degrees, double centre_x, double centre_y) {
-  const cv::Mat turn = cv::getRotationMatrix2D(
-      cv::Point2f(static_cast<float>(Px(centre_x)), static_cast<float>(Px(centre_y))), degrees,
-      1.0);
-  cv::warpAffine(grey_, grey_, turn, grey_.size(), cv::INTER_LINEAR, cv::BORDER_CONSTANT,
-                 cv::Scalar(255));
-}
-
-void SyntheticPage::Blur(double sigma_pixels) {
-  cv::GaussianBlur(grey_, grey_, cv::Size(0, 0), sigma_pixels);
-}
-
-void SyntheticPage::Noise(double sigma, unsigned seed) {
-  cv::Mat noise(grey_.size(), CV_16SC1);
-  cv::theRNG().state = seed;
-  cv::randn(noise, 0, sigma);
-  cv::Mat sum;
-  grey_.convertTo(sum, CV_16SC1);
-  sum += noise;
-  sum.convertTo(grey_, CV_8UC1);
-}
-
 std::string SyntheticPage::Save(const std::string& path, const std::string& format) const {
   Magick::InitializeMagick(nullptr);
   cv::Mat pixels = grey_;

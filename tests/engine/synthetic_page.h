@@ -1,5 +1,6 @@
 // Pages drawn by the tests (OpenCV), in page units of 1/100 inch, saved through GraphicsMagick
-// as grey PNG or TIFF or as 1-bit PCX.
+// as grey PNG or TIFF or as 1-bit PCX. What a scanner does to a page is synthscan's
+// (synthscan/distortions.h).
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -45,12 +46,6 @@ class SyntheticPage {
   void FillEllipse(const UnitBox& box, int grey = 0);
   // Words of random letters and strokes, like a paragraph of small print.
   void DrawClutter(const UnitBox& area, unsigned seed);
-
-  // Distortions of a scan.
-  // Turned about a point given in page units.
-  void Rotate(double degrees, double centre_x, double centre_y);
-  void Blur(double sigma_pixels);
-  void Noise(double sigma, unsigned seed);
 
   // "png", "tiff" (grey) or "pcx" (1-bit, black below half grey). Returns the path.
   std::string Save(const std::string& path, const std::string& format) const;

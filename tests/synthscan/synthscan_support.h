@@ -1,5 +1,4 @@
-// What the generator's tests share: the answer sheet they mark (20 questions of 5 choices, 10
-// timing marks down the left edge) and measures of ink taken straight from the pixels.
+// What the generator's tests share: measures of ink taken straight from the pixels.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -9,43 +8,11 @@
 #include <memory>
 #include <string>
 
+#include "common/answer_sheet.h"
 #include "synthscan/synthetic_scan.h"
 #include "xun/xun.h"
 
 namespace xun::testing {
-
-inline std::shared_ptr<clsXUNTemplate> AnswerSheet() {
-  auto form = clsXUNTemplate::Create();
-  form->Name("Answer sheet");
-  form->PageWidth(8.5);
-  form->PageHeight(11);
-  auto page = clsXUNPage::Create();
-  form->Pages()->Add(page);
-  std::string marks;
-  for (int i = 0; i < 10; ++i)
-    marks += (i ? "\t" : "") + std::string("20,") + std::to_string(100 + i * 65) + ",30,12";
-  page->TimingMarks()->AddDelimitedString(marks);
-  auto field = clsXUNField::Create();
-  field->FieldName("Answers");
-  field->RecognitionType(xunRecogTypeOMR);
-  field->FieldType(xunFieldTypeOMRMult);
-  field->DataType(xunDataTypeText);
-  field->Orient(xunOrientationTypeOMRRow);
-  field->NumRows(20);
-  field->NumCols(5);
-  // Bubbles of 20 by 15 units, 40 by 30 apart.
-  field->Left(150);
-  field->Top(100);
-  field->Right(360);
-  field->Bottom(710);
-  field->StartCol(10);
-  field->StartRow(10);
-  field->ColGap(40);
-  field->RowGap(30);
-  page->Fields()->Add(field);
-  field->Questions()->Update();
-  return form;
-}
 
 // What a respondent added inside bubble `rect` (page units) of `scan`, against `blank`, the
 // same scan of the unmarked form: over the paper of the blank inside the bubble's ellipse, shrunk
