@@ -38,7 +38,10 @@ int Run(const Options& o) {
   auto form = xun::clsXUNTemplate::Create();
   if (!form->Read(o.template_file, false))
     throw std::runtime_error(o.template_file + ": cannot be read as a template");
-  const auto page = form->Pages() ? form->Pages()->Item(o.page) : nullptr;
+  // Asked of the list only when it is there, so the library has no failure to report.
+  const auto pages = form->Pages();
+  const auto page =
+      pages && o.page >= 1 && o.page <= pages->Count() ? pages->Item(o.page) : nullptr;
   if (!page) throw std::runtime_error(o.template_file + ": has no page " + std::to_string(o.page));
 
   const cv::Mat printed = o.printed.empty() ? PrintedPage(*form, o.page, o.dpi)

@@ -243,6 +243,7 @@ std::optional<Mark> ParseMark(std::string_view text) {
 
 void DrawMark(cv::Mat& page, int dpi, const BubbleRect& unit_box, const Mark& mark,
               std::mt19937& random) {
+  CV_Assert(page.type() == CV_8UC1);
   if (mark.kind == MarkKind::kBlank) return;
   const double scale = dpi / 100.0;
   const Box bubble{unit_box.Left * scale, unit_box.Top * scale, unit_box.Right * scale,
