@@ -8,7 +8,7 @@ namespace xunrec {
 namespace {
 
 // The share of the bubble, either way, that is measured.
-constexpr double kInnerShare = 0.8;
+constexpr double kInnerShare = 0.7;
 
 }  // namespace
 

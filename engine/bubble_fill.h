@@ -1,4 +1,4 @@
-// How full each bubble is: the share of dark pixels inside an ellipse of 0.8 of the bubble, so
+// How full each bubble is: the share of dark pixels inside an ellipse of 0.7 of the bubble, so
 // the printed outline does not count.
 #pragma once
 

@@ -49,10 +49,16 @@ cv::Mat Binarise(const cv::Mat& grey, int dpi) {
 std::unique_ptr<PageImage> PageImage::Load(const std::string& path, int xdpi, int ydpi, int width,
                                            int height) {
   if (xdpi <= 0 || ydpi <= 0 || width < 0 || height < 0) throw EngineError(XUNREC_BAD_ARGUMENT);
-  std::unique_ptr<PageImage> page(new PageImage);
-  page->grey_ = DecodeGrey(path);
-  if ((width > 0 && width != page->grey_.cols) || (height > 0 && height != page->grey_.rows))
+  cv::Mat grey = DecodeGrey(path);
+  if ((width > 0 && width != grey.cols) || (height > 0 && height != grey.rows))
     throw EngineError(XUNREC_SIZE_MISMATCH);
+  return FromGrey(std::move(grey), xdpi, ydpi);
+}
+
+std::unique_ptr<PageImage> PageImage::FromGrey(cv::Mat grey, int xdpi, int ydpi) {
+  if (xdpi <= 0 || ydpi <= 0 || grey.type() != CV_8UC1) throw EngineError(XUNREC_BAD_ARGUMENT);
+  std::unique_ptr<PageImage> page(new PageImage);
+  page->grey_ = std::move(grey);
   page->xdpi_ = xdpi;
   page->ydpi_ = ydpi;
   page->dark_ = Binarise(page->grey_, std::max(xdpi, ydpi));

@@ -24,6 +24,8 @@ class PageImage {
   // threshold). Width and height, when positive, must be the file's. Throws EngineError.
   static std::unique_ptr<PageImage> Load(const std::string& path, int xdpi, int ydpi, int width,
                                          int height);
+  // The same for a page already decoded (8-bit grey, 0 black).
+  static std::unique_ptr<PageImage> FromGrey(cv::Mat grey, int xdpi, int ydpi);
 
   const cv::Mat& Grey() const { return grey_; }
   // 255 where the page is dark (ink, pencil), 0 on paper.

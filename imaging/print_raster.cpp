@@ -84,7 +84,8 @@ void DrawLabel(cv::Mat& page, const PrintedShape& shape, const Scale& scale) {
   const double y = scale.Px(shape.top) + (box_h + text.height) / 2;
   cv::putText(page, shape.text,
               cv::Point(static_cast<int>(std::lround(x)), static_cast<int>(std::lround(y))),
-              cv::FONT_HERSHEY_SIMPLEX, font, cv::Scalar(0), thickness, cv::LINE_AA);
+              cv::FONT_HERSHEY_SIMPLEX, font,
+              cv::Scalar(255 * (1 - std::clamp(shape.ink, 0.0, 1.0))), thickness, cv::LINE_AA);
 }
 
 // The symbol drawn with whole modules, centred in its rectangle; one that cannot be made (a value

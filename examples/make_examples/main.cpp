@@ -8,8 +8,6 @@
 #include <memory>
 #include <string>
 
-#include <Magick++.h>
-
 #include "xun/xun.h"
 
 namespace {
@@ -247,44 +245,14 @@ bool WriteBatchFile(const std::filesystem::path& file) {
 
 }  // namespace
 
-// The page as a printer would put it on paper, at 100 dots per inch (the unit of region
-// coordinates): each region's outline, each OMR region's bubbles.
-bool DrawPage(const std::shared_ptr<clsXUNPage>& page, const std::filesystem::path& file) {
-  try {
-    Magick::InitializeMagick(nullptr);
-    Magick::Image image(Magick::Geometry(850, 1100), Magick::Color("white"));
-    image.resolutionUnits(Magick::PixelsPerInchResolution);
-    image.density(Magick::Geometry(100, 100));
-    image.strokeColor("black");
-    image.fillColor("transparent");
-    image.strokeWidth(2);
-    for (const auto& field : *page->Fields()) {
-      image.draw(
-          Magick::DrawableRectangle(field->Left(), field->Top(), field->Right(), field->Bottom()));
-      // Where the library says the bubbles are, so the template reads the page it printed.
-      const xun::BubbleGrid grid = xun::BubbleGrid::Of(*field);
-      const double rx = grid.BubbleWidth() / 2.0, ry = grid.BubbleHeight() / 2.0;
-      for (int r = 1; r <= grid.NumRows(); ++r)
-        for (int c = 1; c <= grid.NumCols(); ++c) {
-          const xun::BubbleRect bubble = grid.Bubble(r, c);
-          image.draw(Magick::DrawableEllipse(bubble.Left + rx, bubble.Top + ry, rx, ry, 0, 360));
-        }
-    }
-    image.write(file.string());
-    return true;
-  } catch (const std::exception& e) {
-    std::cerr << "could not draw " << file.string() << ": " << e.what() << "\n";
-    return false;
-  }
-}
-
 // The exam with its printed page imported as the page image: saved, it becomes a template
 // archive holding the .omr file and the page's .pcx image.
 bool WriteScanned(const std::filesystem::path& file) {
   auto form = BuildExam();
   const auto page = form->Pages()->Item(1);
   const std::filesystem::path png = file.parent_path() / "scanned-page.png";
-  bool ok = DrawPage(page, png) && page->ImageImport(png.string(), 1);
+  // Printed at 100 dpi, the unit of region coordinates, so the image is the page pixel for pixel.
+  bool ok = xun::PrintPage(*form, 1, png.string(), 100) && page->ImageImport(png.string(), 1);
   std::filesystem::remove(png);
   if (!ok) std::cerr << "could not import the page image\n";
   ok = ok && SaveAs(form, file);

@@ -72,8 +72,11 @@ void AddBubbles(const clsXUNField& field, std::vector<PrintedShape>& shapes) {
         const double inset = kBubbleLine * 1.5;  // clear of the outline
         const double height = (b.Bottom - b.Top) * kLabelShare;
         const double middle = (b.Top + b.Bottom) / 2.0;
-        shapes.push_back(Shape(Kind::Label, b.Left + inset, middle - height / 2, b.Right - inset,
-                               middle + height / 2, kLabelStroke, question->Choices()->Item(k)));
+        PrintedShape label =
+            Shape(Kind::Label, b.Left + inset, middle - height / 2, b.Right - inset,
+                  middle + height / 2, kLabelStroke, question->Choices()->Item(k));
+        label.ink = kBubbleLabelInk;
+        shapes.push_back(std::move(label));
       }
   }
 }

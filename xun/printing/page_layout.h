@@ -19,6 +19,9 @@ inline constexpr double kRegionLine = 1.0;
 // A choice label's height as a share of its bubble's height, and its stroke in page units.
 inline constexpr double kLabelShare = 0.5;
 inline constexpr double kLabelStroke = 0.6;
+// How dark a choice label inside a bubble is printed (1 black): light enough that a reader does
+// not take it for a mark, as with the drop-out inks of printed forms, and still plain to read.
+inline constexpr double kBubbleLabelInk = 0.22;
 
 struct PrintedShape {
   enum class Kind : uint8_t {
@@ -33,6 +36,7 @@ struct PrintedShape {
   double line = 0;  // outline or stroke width
   std::string text;
   bool centred = true;  // a label centred in its rectangle, else at its left edge
+  double ink = 1.0;     // darkness, from 0 (paper) to 1 (black)
   xunFieldType barcode = xunFieldTypeOMRNone;
 };
 

@@ -27,7 +27,7 @@ def decode(path):
             idat += body
         pos += 12 + length
     width, height, depth, colour, _, _, interlace = header
-    channels = {2: 3, 6: 4}.get(colour)
+    channels = {0: 1, 2: 3, 6: 4}.get(colour)
     if depth != 8 or channels is None or interlace:
         sys.exit(f"{path}: unexpected PNG layout (depth {depth}, colour type {colour})")
     raw = zlib.decompress(idat)
@@ -53,6 +53,9 @@ def decode(path):
                 line[i] = (line[i] + pred) & 255
         rows.append(line)
         previous = line
+    if channels == 1:  # grey: as RGB, so every check reads three values
+        rows = [bytearray(v for p in row for v in (p, p, p)) for row in rows]
+        channels = 3
     return width, height, channels, rows
 
 

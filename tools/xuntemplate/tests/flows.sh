@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # End-to-end flows of the tool that take several steps:
 #   flows.sh FLOW TOOL EXAMPLES WORK [CHROMIUM CHECK_PNG]
-# FLOW is one of roundtrip, convert, image, render, checklines, batch, robust. WORK is emptied first.
+# FLOW is one of roundtrip, convert, image, render, print, checklines, batch, robust. WORK is emptied first.
 set -euo pipefail
 flow=$1 tool=$2 examples=$3 work=$4 chromium=${5:-} check_png=${6:-}
 rm -rf "$work" && mkdir -p "$work" && cd "$work"
@@ -146,6 +146,21 @@ PY
   "$tool" render colour.omr -o colour.svg >/dev/null
   screenshot colour.svg colour.png 910,1250
   python3 "$check_png" colour.png --pixel 630,830,ff0000 --pixel 630,1000,ffffff
+  ;;
+print)
+  # The exam at 100 dpi, pixel for pixel the page units: the timing mark, the outline of the
+  # answers' first bubble (left edge 112, rows 470 to 485), paper beside it.
+  "$tool" print "$examples/exam.omr" -o exam.png --dpi 100 >/dev/null
+  python3 "$check_png" exam.png --pixel 20,32,000000 --near 112,477,000000,1 \
+    --pixel 108,477,ffffff --pixel 700,1000,ffffff --pixel 849,1099,ffffff
+  # The scanned example over its own page image, at 150 dpi.
+  out=$("$tool" print "$examples/scanned.omr" --dpi 150 -o scanned.png)
+  [[ $out == "scanned.png: page 1 of 1 at 150 dpi" ]] || fail "print said: $out"
+  python3 "$check_png" scanned.png --pixel 1274,1649,ffffff --near 168,716,000000,1
+  # A failed print leaves the file that was there.
+  echo "kept" >kept.png
+  if "$tool" print "$examples/exam.omr" --page 3 -o kept.png 2>/dev/null; then fail "page 3 printed"; fi
+  [[ $(cat kept.png) == kept ]] || fail "a failed print changed the file"
   ;;
 render)
   "$tool" render "$examples/exam.omr" -o exam.svg >/dev/null

@@ -1,0 +1,184 @@
+#include "xun/reading/form_reader.h"
+
+#include <algorithm>
+#include <exception>
+#include <map>
+
+#include "engine/bubble_fill.h"
+#include "engine/engine_error.h"
+#include "engine/grid_check.h"
+#include "engine/image_file.h"
+#include "engine/page_image.h"
+#include "engine/xunrec.h"
+#include "xun/reading/reading_plan.h"
+
+namespace xun::reading {
+namespace {
+
+using detail::PagePlan;
+
+std::string EngineMessage(int16_t code) {
+  switch (code) {
+    case XUNREC_FILE_NOT_FOUND:
+      return "no such file";
+    case XUNREC_NOT_AN_IMAGE:
+      return "not a TIFF, PNG, JPEG, PCX or DCX image, or a damaged one";
+    case XUNREC_IMAGE_TOO_LARGE:
+      return "the image is too large";
+    case XUNREC_OUT_OF_MEMORY:
+      return "out of memory";
+    default:
+      return "the image could not be read (code " + std::to_string(code) + ")";
+  }
+}
+
+// Every printed bubble's net fill on the registered scan: its fill where the fit puts it, less
+// the fill of the blank printed bubble.
+std::vector<int16_t> NetFills(const xunrec::PageImage& image, const detail::PageFit& fit,
+                              const PagePlan& plan) {
+  std::vector<int16_t> fills(plan.printed.centres.size(), 0);
+  for (const auto& [first, count] : plan.regions) {
+    xunrec::Grid grid;
+    const cv::Point2d middle = plan.printed.centres[static_cast<size_t>(first)];
+    const cv::Size2d per_unit = fit.ScaleAt(middle);
+    const cv::Size2d size = plan.printed.sizes[static_cast<size_t>(first)];
+    grid.bubble = cv::Size2d(size.width * per_unit.width, size.height * per_unit.height);
+    for (int i = first; i < first + count; ++i)
+      grid.bubble_centres.push_back(fit.Map(plan.printed.centres[static_cast<size_t>(i)]));
+    const std::vector<int16_t> region = xunrec::FillPercents(image, grid);
+    for (int i = 0; i < count; ++i) {
+      const size_t at = static_cast<size_t>(first + i);
+      fills[at] =
+          static_cast<int16_t>(std::max(0, region[static_cast<size_t>(i)] - plan.blank_fills[at]));
+    }
+  }
+  return fills;
+}
+
+void AnswerItems(const PagePlan& plan, int32_t page, const std::vector<BubbleRead>* reads,
+                 const std::string& why, std::vector<ItemAnswer>& answers) {
+  std::vector<AnswerValue> values;
+  for (const detail::ItemPlan& item : plan.items) {
+    if (!reads) {
+      values.push_back(ErrorAnswer(item.rules, why));
+      continue;
+    }
+    if (item.lines.empty()) {
+      values.push_back(ErrorAnswer(item.rules, "regions of this kind are not read yet"));
+      continue;
+    }
+    std::vector<std::vector<BubbleRead>> lines;
+    for (const auto& line : item.lines) {
+      std::vector<BubbleRead>& out = lines.emplace_back();
+      for (int i : line)
+        out.push_back((*reads)[static_cast<size_t>(i)]);
+    }
+    values.push_back(AnswerOf(item.rules, lines));
+  }
+  // Duplicate ranks, region by region.
+  std::map<int32_t, std::vector<size_t>> rank_groups;
+  for (size_t i = 0; i < plan.items.size(); ++i)
+    if (plan.items[i].rank_group >= 0) rank_groups[plan.items[i].rank_group].push_back(i);
+  for (const auto& [group, members] : rank_groups) {
+    std::vector<QuestionRules> rules;
+    std::vector<AnswerValue> group_values;
+    for (size_t i : members) {
+      rules.push_back(plan.items[i].rules);
+      group_values.push_back(values[i]);
+    }
+    MarkDuplicateRanks(rules, group_values);
+    for (size_t k = 0; k < members.size(); ++k)
+      values[members[k]] = group_values[k];
+  }
+  for (size_t i = 0; i < plan.items.size(); ++i) {
+    ItemAnswer answer;
+    answer.item = plan.items[i].item;
+    answer.name = plan.items[i].name;
+    answer.page = page;
+    answer.value = std::move(values[i].value);
+    answer.status = values[i].status;
+    answer.confidence = values[i].confidence;
+    answer.why = std::move(values[i].why);
+    answers.push_back(std::move(answer));
+  }
+}
+
+}  // namespace
+
+bool FormRecord::NeedsReview() const {
+  if (!error.empty()) return true;
+  for (const PageReading& page : pages)
+    if (!page.registered) return true;
+  return std::any_of(answers.begin(), answers.end(), [](const ItemAnswer& a) {
+    return a.status != AnswerStatus::Clear && a.status != AnswerStatus::Blank;
+  });
+}
+
+FormReader::FormReader(const clsXUNTemplate& form, MarkThresholds thresholds)
+    : plan_(std::make_unique<detail::ReadingPlan>(detail::PlanOf(form))), thresholds_(thresholds) {}
+
+FormReader::~FormReader() = default;
+
+int32_t FormReader::NumPages() const {
+  return static_cast<int32_t>(plan_->pages.size());
+}
+
+FormRecord FormReader::Read(const std::vector<std::string>& images) const {
+  FormRecord record;
+  record.images = images;
+  if (images.size() != plan_->pages.size())
+    record.error = std::to_string(images.size()) + (images.size() == 1 ? " image" : " images") +
+                   " for a form of " + std::to_string(plan_->pages.size()) +
+                   (plan_->pages.size() == 1 ? " page" : " pages");
+  for (size_t p = 0; p < plan_->pages.size(); ++p) {
+    const PagePlan& plan = plan_->pages[p];
+    PageReading page;
+    page.page = static_cast<int32_t>(p + 1);
+    page.bubbles_printed = static_cast<int32_t>(plan.printed.centres.size());
+    std::vector<BubbleRead> reads;
+    bool read = false;
+    if (p >= images.size()) {
+      page.error = "no image for this page";
+    } else {
+      page.image = images[p];
+      try {
+        cv::Mat grey = xunrec::DecodeGrey(images[p]);
+        // The resolution is the page's size on the image: a scan is the whole page, whatever
+        // resolution its file claims (the fit takes up a few percent of difference).
+        const double xdpi = grey.cols * 100.0 / plan_->page_width;
+        const double ydpi = grey.rows * 100.0 / plan_->page_height;
+        const auto image =
+            xunrec::PageImage::FromGrey(std::move(grey), std::max(1, static_cast<int>(xdpi + 0.5)),
+                                        std::max(1, static_cast<int>(ydpi + 0.5)));
+        std::string why;
+        const auto fit =
+            detail::FitPage(image->Dark(), xdpi, ydpi, plan.printed, detail::FitLimits{}, why);
+        if (!fit) {
+          page.error = "not registered: " + why;
+        } else {
+          page.registered = true;
+          page.model = fit->model;
+          page.fit_error = fit->error;
+          page.bubbles_found = fit->found;
+          for (const int16_t net : NetFills(*image, *fit, plan))
+            reads.push_back(Judge(net, thresholds_));
+          read = true;
+        }
+      } catch (const xunrec::EngineError& e) {
+        page.error = EngineMessage(e.Code());
+      } catch (const std::exception& e) {
+        page.error = e.what();
+      }
+    }
+    AnswerItems(plan, page.page, read ? &reads : nullptr,
+                "page " + std::to_string(page.page) + " " +
+                    (page.error.empty() ? std::string("was not read") : page.error),
+                record.answers);
+    record.pages.push_back(std::move(page));
+  }
+  std::stable_sort(record.answers.begin(), record.answers.end(),
+                   [](const ItemAnswer& a, const ItemAnswer& b) { return a.item < b.item; });
+  return record;
+}
+
+}  // namespace xun::reading

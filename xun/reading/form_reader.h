@@ -1,0 +1,41 @@
+// Reading one respondent's form: the scanned images of its pages, with a template, into a
+// FormRecord (docs/reading.md).
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "xun/model/fwd.h"
+#include "xun/reading/export.h"
+#include "xun/reading/form_record.h"
+#include "xun/reading/mark_judgement.h"
+
+namespace xun::reading {
+
+namespace detail {
+struct ReadingPlan;
+}
+
+class XUN_READING_API FormReader {
+ public:
+  // Takes from the template all that reading needs, once: the reader does not touch the template
+  // again, so the template may change or go, and one reader may read on several threads at once.
+  explicit FormReader(const clsXUNTemplate& form, MarkThresholds thresholds = {});
+  ~FormReader();
+  FormReader(const FormReader&) = delete;
+  FormReader& operator=(const FormReader&) = delete;
+
+  int32_t NumPages() const;
+
+  // One image file for each page of the template, in page order. Never throws: a file that
+  // cannot be read, a page that cannot be registered, too few or too many images are in the
+  // record, its pages and its answers (ErrorReturn, status error).
+  FormRecord Read(const std::vector<std::string>& images) const;
+
+ private:
+  std::unique_ptr<const detail::ReadingPlan> plan_;
+  MarkThresholds thresholds_;
+};
+
+}  // namespace xun::reading

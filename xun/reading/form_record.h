@@ -1,0 +1,45 @@
+// What reading one respondent's form gives: plain values a host (or a Python binding) can keep,
+// print or send on without the template.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "xun/reading/answer_rules.h"
+
+namespace xun::reading {
+
+// The answer of one item of the template.
+struct ItemAnswer {
+  int32_t item = 0;  // the template's item number, from 1
+  std::string name;  // the question's name
+  int32_t page = 0;  // the template page it is on, from 1
+  std::string value;
+  AnswerStatus status = AnswerStatus::Clear;
+  double confidence = 1.0;
+  std::string why;
+};
+
+// How one page of the form was read.
+struct PageReading {
+  int32_t page = 0;   // the template page, from 1
+  std::string image;  // the file it was read from
+  bool registered = false;
+  std::string model;     // the fit that registered it: similarity, affine or perspective
+  double fit_error = 0;  // root mean square, in 1/100 inch
+  int32_t bubbles_found = 0, bubbles_printed = 0;
+  std::string error;  // why it could not be read; empty when it was
+};
+
+struct XUN_READING_API FormRecord {
+  std::vector<std::string> images;
+  std::vector<PageReading> pages;
+  std::vector<ItemAnswer> answers;  // in the template's item order
+  std::string error;                // the whole form could not be read: why
+
+  // Whether a person should look at the form: an answer that is not clear or blank, a page that
+  // was not read.
+  bool NeedsReview() const;
+};
+
+}  // namespace xun::reading

@@ -1,0 +1,363 @@
+#include "xun/reading/page_fit.h"
+
+#include <opencv2/calib3d.hpp>
+#include <opencv2/imgproc.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "engine/blobs.h"
+
+namespace xun::reading::detail {
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+// A printed bubble is found when a bubble-shaped blob lies within this share of its width.
+constexpr double kMatchShare = 0.35;
+// At least this share of the printed bubbles must be found for the page to be this form.
+constexpr double kFoundShare = 0.6;
+// Scales tried between the nominal and the largest change.
+constexpr int kScaleSteps = 2;
+
+double Median(std::vector<double> values) {
+  if (values.empty()) return 0;
+  std::nth_element(values.begin(), values.begin() + values.size() / 2, values.end());
+  return values[values.size() / 2];
+}
+
+// Blobs sorted into square cells, for the blobs near a point.
+class Buckets {
+ public:
+  Buckets(const std::vector<cv::Point2d>& points, double cell) : points_(points), cell_(cell) {
+    for (size_t i = 0; i < points.size(); ++i)
+      cells_[Key(points[i])].push_back(static_cast<int>(i));
+  }
+  template <class F>
+  void Near(const cv::Point2d& p, double radius, F&& visit) const {
+    const int reach = static_cast<int>(std::ceil(radius / cell_));
+    const auto [cx, cy] = Cell(p);
+    for (int dy = -reach; dy <= reach; ++dy)
+      for (int dx = -reach; dx <= reach; ++dx) {
+        const auto it = cells_.find(Pack(cx + dx, cy + dy));
+        if (it == cells_.end()) continue;
+        for (int i : it->second)
+          if (cv::norm(points_[i] - p) <= radius) visit(i);
+      }
+  }
+  // The nearest point within `radius`, -1 when none.
+  int Nearest(const cv::Point2d& p, double radius) const {
+    int best = -1;
+    double best_d = radius;
+    Near(p, radius, [&](int i) {
+      const double d = cv::norm(points_[i] - p);
+      if (d <= best_d) {
+        best_d = d;
+        best = i;
+      }
+    });
+    return best;
+  }
+
+ private:
+  std::pair<int, int> Cell(const cv::Point2d& p) const {
+    return {static_cast<int>(std::floor(p.x / cell_)), static_cast<int>(std::floor(p.y / cell_))};
+  }
+  static int64_t Pack(int x, int y) { return (static_cast<int64_t>(x) << 32) ^ (y & 0xffffffffLL); }
+  int64_t Key(const cv::Point2d& p) const {
+    const auto [x, y] = Cell(p);
+    return Pack(x, y);
+  }
+  const std::vector<cv::Point2d>& points_;
+  double cell_;
+  std::unordered_map<int64_t, std::vector<int>> cells_;
+};
+
+// The centres of the bubble-shaped blobs in the printed areas, grown by how far the page may
+// have moved.
+std::vector<cv::Point2d> Candidates(const cv::Mat& dark, cv::Point2d scale,
+                                    const PrintedBubbles& printed, const FitLimits& limits) {
+  double min_w = 1e9, min_h = 1e9, max_w = 0, max_h = 0;
+  for (const cv::Size2d& s : printed.sizes) {
+    min_w = std::min(min_w, s.width);
+    min_h = std::min(min_h, s.height);
+    max_w = std::max(max_w, s.width);
+    max_h = std::max(max_h, s.height);
+  }
+  const double grow = limits.max_shift_units + 1100 * std::sin(limits.max_degrees * kPi / 180);
+  cv::Mat looked = cv::Mat::zeros(dark.size(), CV_8UC1);
+  const cv::Rect image(0, 0, dark.cols, dark.rows);
+  for (const cv::Rect2d& a : printed.areas) {
+    const cv::Rect pixels(cv::Point(static_cast<int>((a.x - grow) * scale.x),
+                                    static_cast<int>((a.y - grow) * scale.y)),
+                          cv::Point(static_cast<int>(std::ceil((a.br().x + grow) * scale.x)),
+                                    static_cast<int>(std::ceil((a.br().y + grow) * scale.y))));
+    const cv::Rect on = pixels & image;
+    if (!on.empty()) looked(on).setTo(255);
+  }
+  cv::Mat only;
+  dark.copyTo(only, looked);
+  const std::vector<xunrec::Blob> blobs = xunrec::BubbleShaped(
+      xunrec::Components(only, image),
+      cv::Size2d(std::max(2.0, 0.6 * min_w * scale.x), std::max(2.0, 0.6 * min_h * scale.y)),
+      cv::Size2d(1.6 * max_w * scale.x, 1.6 * max_h * scale.y));
+  std::vector<cv::Point2d> centres;
+  centres.reserve(blobs.size());
+  for (const xunrec::Blob& b : blobs)
+    centres.push_back(b.Centre());
+  return centres;
+}
+
+// The turn of the rows of blobs: the median direction from each blob to its nearest neighbour
+// on the right.
+double RowAngle(const std::vector<cv::Point2d>& blobs, const Buckets& buckets, double reach) {
+  std::vector<double> angles;
+  for (const cv::Point2d& p : blobs) {
+    double best = reach, angle = 0;
+    bool found = false;
+    buckets.Near(p, reach, [&](int i) {
+      const cv::Point2d d = blobs[i] - p;
+      if (d.x <= 0 || std::abs(d.y) > 0.5 * d.x) return;
+      const double length = cv::norm(d);
+      if (length < best) {
+        best = length;
+        angle = std::atan2(d.y, d.x);
+        found = true;
+      }
+    });
+    if (found) angles.push_back(angle);
+  }
+  return angles.size() >= 3 ? Median(angles) : 0.0;
+}
+
+struct Placement {
+  cv::Matx33d transform = cv::Matx33d::eye();
+  int found = 0;
+};
+
+cv::Matx33d Similarity(double angle, double k, cv::Point2d scale, cv::Point2d centre_units,
+                       cv::Point2d offset) {
+  // Pixels = centre (in pixels) + offset + k * R * S * (units - centre).
+  const double c = std::cos(angle), s = std::sin(angle);
+  const cv::Matx22d m(k * c * scale.x, -k * s * scale.y, k * s * scale.x, k * c * scale.y);
+  const cv::Point2d centre_px(centre_units.x * scale.x, centre_units.y * scale.y);
+  const cv::Vec2d t = cv::Vec2d(centre_px.x + offset.x, centre_px.y + offset.y) -
+                      m * cv::Vec2d(centre_units.x, centre_units.y);
+  return cv::Matx33d(m(0, 0), m(0, 1), t[0], m(1, 0), m(1, 1), t[1], 0, 0, 1);
+}
+
+cv::Point2d Apply(const cv::Matx33d& h, const cv::Point2d& p) {
+  const cv::Vec3d v = h * cv::Vec3d(p.x, p.y, 1);
+  return {v[0] / v[2], v[1] / v[2]};
+}
+
+// For each printed bubble, the blob found where the transform puts it (-1 when none).
+std::vector<int> Match(const cv::Matx33d& transform, const PrintedBubbles& printed,
+                       const Buckets& buckets, cv::Point2d scale) {
+  std::vector<int> matches(printed.centres.size(), -1);
+  for (size_t i = 0; i < printed.centres.size(); ++i)
+    matches[i] = buckets.Nearest(Apply(transform, printed.centres[i]),
+                                 kMatchShare * printed.sizes[i].width * scale.x);
+  return matches;
+}
+
+int Count(const std::vector<int>& matches) {
+  return static_cast<int>(
+      std::count_if(matches.begin(), matches.end(), [](int m) { return m >= 0; }));
+}
+
+// The placement of the printed bubbles, turned by `angle` and scaled by `k`, whose shift puts
+// the most of them on blobs: every printed bubble votes for the shifts that would put it on a
+// blob near it.
+Placement BestShift(double angle, double k, cv::Point2d scale, cv::Point2d centre_units,
+                    const PrintedBubbles& printed, const std::vector<cv::Point2d>& blobs,
+                    const Buckets& buckets, double reach_px, double bin_px) {
+  const int half = static_cast<int>(std::ceil(reach_px / bin_px));
+  const int side = 2 * half + 1;
+  std::vector<int> votes(static_cast<size_t>(side) * side, 0);
+  const cv::Matx33d unshifted = Similarity(angle, k, scale, centre_units, {0, 0});
+  // A sample of the printed bubbles is enough to find the peak.
+  const size_t step = std::max<size_t>(1, printed.centres.size() / 200);
+  for (size_t i = 0; i < printed.centres.size(); i += step) {
+    const cv::Point2d p = Apply(unshifted, printed.centres[i]);
+    buckets.Near(p, reach_px, [&](int b) {
+      const cv::Point2d d = blobs[b] - p;
+      const int x = static_cast<int>(std::lround(d.x / bin_px)) + half;
+      const int y = static_cast<int>(std::lround(d.y / bin_px)) + half;
+      if (x >= 0 && x < side && y >= 0 && y < side) ++votes[static_cast<size_t>(y) * side + x];
+    });
+  }
+  int best = -1, best_x = half, best_y = half;
+  for (int y = 0; y < side; ++y)
+    for (int x = 0; x < side; ++x) {
+      int around = 0;
+      for (int dy = -1; dy <= 1; ++dy)
+        for (int dx = -1; dx <= 1; ++dx)
+          if (x + dx >= 0 && x + dx < side && y + dy >= 0 && y + dy < side)
+            around += votes[static_cast<size_t>(y + dy) * side + x + dx];
+      if (around > best) {
+        best = around;
+        best_x = x;
+        best_y = y;
+      }
+    }
+  // The shift from the blobs of the peak: the mean offset of the bubbles matched within it.
+  Placement placement;
+  placement.transform = Similarity(angle, k, scale, centre_units,
+                                   {(best_x - half) * bin_px, (best_y - half) * bin_px});
+  const std::vector<int> matches = Match(placement.transform, printed, buckets, scale);
+  cv::Point2d sum(0, 0);
+  int n = 0;
+  for (size_t i = 0; i < matches.size(); ++i)
+    if (matches[i] >= 0) {
+      sum += blobs[matches[i]] - Apply(placement.transform, printed.centres[i]);
+      ++n;
+    }
+  if (n > 0) {
+    placement.transform =
+        Similarity(angle, k, scale, centre_units,
+                   {(best_x - half) * bin_px + sum.x / n, (best_y - half) * bin_px + sum.y / n});
+  }
+  placement.found = Count(Match(placement.transform, printed, buckets, scale));
+  return placement;
+}
+
+double RmsUnits(const cv::Matx33d& transform, const std::vector<cv::Point2d>& from,
+                const std::vector<cv::Point2d>& to, cv::Point2d scale) {
+  if (from.empty()) return 0;
+  double sum = 0;
+  for (size_t i = 0; i < from.size(); ++i) {
+    const cv::Point2d d = Apply(transform, from[i]) - to[i];
+    sum += (d.x / scale.x) * (d.x / scale.x) + (d.y / scale.y) * (d.y / scale.y);
+  }
+  return std::sqrt(sum / static_cast<double>(from.size()));
+}
+
+cv::Matx33d Lift(const cv::Mat& affine) {
+  cv::Matx33d h = cv::Matx33d::eye();
+  for (int r = 0; r < 2; ++r)
+    for (int c = 0; c < 3; ++c)
+      h(r, c) = affine.at<double>(r, c);
+  return h;
+}
+
+}  // namespace
+
+cv::Point2d PageFit::Map(const cv::Point2d& units) const {
+  return Apply(transform, units);
+}
+
+cv::Size2d PageFit::ScaleAt(const cv::Point2d& units) const {
+  const cv::Point2d p = Apply(transform, units);
+  return {cv::norm(Apply(transform, units + cv::Point2d(1, 0)) - p),
+          cv::norm(Apply(transform, units + cv::Point2d(0, 1)) - p)};
+}
+
+std::optional<PageFit> FitPage(const cv::Mat& dark, double xdpi, double ydpi,
+                               const PrintedBubbles& printed, const FitLimits& limits,
+                               std::string& why) {
+  if (printed.centres.empty()) {
+    why = "the page has no bubbles to register it by";
+    return std::nullopt;
+  }
+  const cv::Point2d scale(xdpi / 100.0, ydpi / 100.0);
+  const std::vector<cv::Point2d> blobs = Candidates(dark, scale, printed, limits);
+  const int needed = std::max(3, static_cast<int>(std::ceil(kFoundShare * printed.centres.size())));
+  if (static_cast<int>(blobs.size()) < needed) {
+    why = "only " + std::to_string(blobs.size()) + " bubble-like marks where the form has " +
+          std::to_string(printed.centres.size()) + " bubbles: not this form, or a blank page";
+    return std::nullopt;
+  }
+  std::vector<double> heights;
+  for (const cv::Size2d& s : printed.sizes)
+    heights.push_back(s.height);
+  const double bubble_px = Median(heights) * scale.y;
+  const double reach_px = limits.max_shift_units * std::max(scale.x, scale.y);
+  const Buckets buckets(blobs, std::max(4.0, bubble_px * 2));
+
+  cv::Point2d centre(0, 0);
+  for (const cv::Point2d& c : printed.centres)
+    centre += c;
+  centre *= 1.0 / static_cast<double>(printed.centres.size());
+
+  // The turn, from the rows of blobs; then every scale in the limits, each with its best shift.
+  const double max_angle = limits.max_degrees * kPi / 180;
+  const double row_angle =
+      std::clamp(RowAngle(blobs, buckets, 4 * bubble_px * 2), -max_angle, max_angle);
+  Placement best;
+  for (const double angle : {row_angle, 0.0}) {
+    for (int step = -kScaleSteps; step <= kScaleSteps; ++step) {
+      const double k = 1 + limits.max_scale_change * step / kScaleSteps;
+      const Placement placement = BestShift(angle, k, scale, centre, printed, blobs, buckets,
+                                            reach_px, std::max(1.0, bubble_px / 2));
+      if (placement.found > best.found) best = placement;
+    }
+    if (row_angle == 0.0) break;
+  }
+  if (best.found < needed) {
+    why = "only " + std::to_string(best.found) + " of the form's " +
+          std::to_string(printed.centres.size()) +
+          " bubbles lie where any placement of the page puts them: not this form, or a page of "
+          "another one";
+    return std::nullopt;
+  }
+
+  // Refined on every bubble found: a similarity, an affine and a perspective fit, each robust to
+  // blobs that are not the bubble (a mark beside it, a smudge); the simplest that fits as well.
+  PageFit fit;
+  fit.printed = static_cast<int>(printed.centres.size());
+  fit.transform = best.transform;
+  fit.model = "similarity";
+  for (int round = 0; round < 2; ++round) {
+    const std::vector<int> matches = Match(fit.transform, printed, buckets, scale);
+    std::vector<cv::Point2d> from, to;
+    for (size_t i = 0; i < matches.size(); ++i)
+      if (matches[i] >= 0) {
+        from.push_back(printed.centres[i]);
+        to.push_back(blobs[matches[i]]);
+      }
+    if (from.size() < 4) break;
+    const double threshold = std::max(1.0, 0.25 * bubble_px);
+    struct Candidate {
+      cv::Matx33d h;
+      const char* model;
+    };
+    std::vector<Candidate> fits;
+    if (cv::Mat m = cv::estimateAffinePartial2D(from, to, cv::noArray(), cv::RANSAC, threshold);
+        !m.empty())
+      fits.push_back({Lift(m), "similarity"});
+    if (cv::Mat m = cv::estimateAffine2D(from, to, cv::noArray(), cv::RANSAC, threshold);
+        !m.empty())
+      fits.push_back({Lift(m), "affine"});
+    if (from.size() >= 12)
+      if (cv::Mat m = cv::findHomography(from, to, cv::RANSAC, threshold); !m.empty())
+        fits.push_back({cv::Matx33d(m), "perspective"});
+    double best_error = 1e300;
+    for (const Candidate& c : fits) {
+      // A richer model must earn its freedom: a tenth less error than the simpler one.
+      const double error = RmsUnits(c.h, from, to, scale);
+      if (error < 0.9 * best_error) {
+        best_error = error;
+        fit.transform = c.h;
+        fit.model = c.model;
+      }
+    }
+  }
+  const std::vector<int> matches = Match(fit.transform, printed, buckets, scale);
+  std::vector<cv::Point2d> from, to;
+  for (size_t i = 0; i < matches.size(); ++i)
+    if (matches[i] >= 0) {
+      from.push_back(printed.centres[i]);
+      to.push_back(blobs[matches[i]]);
+    }
+  fit.found = static_cast<int>(from.size());
+  fit.error = RmsUnits(fit.transform, from, to, scale);
+  if (fit.found < needed) {
+    why = "the page could not be fitted: only " + std::to_string(fit.found) + " of " +
+          std::to_string(fit.printed) + " bubbles where the fit puts them";
+    return std::nullopt;
+  }
+  return fit;
+}
+
+}  // namespace xun::reading::detail

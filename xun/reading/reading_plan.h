@@ -1,0 +1,39 @@
+// What reading needs of a template, taken from it once: every page's printed bubbles and every
+// item's bubbles, lines and rules.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "xun/model/fwd.h"
+#include "xun/reading/answer_rules.h"
+#include "xun/reading/page_fit.h"
+
+namespace xun::reading::detail {
+
+// One item: the question's rules and its bubbles, line by line, as indexes into its page's
+// printed bubbles.
+struct ItemPlan {
+  int32_t item = 0;
+  std::string name;
+  QuestionRules rules;
+  std::vector<std::vector<int>> lines;
+  int32_t rank_group = -1;  // the region of a rank question: duplicates are looked for within it
+};
+
+struct PagePlan {
+  PrintedBubbles printed;
+  // The bubbles of each OMR region lie together in `printed`: its first and how many.
+  std::vector<std::pair<int, int>> regions;
+  std::vector<int16_t> blank_fills;  // of each printed bubble, from the registration (0 without)
+  std::vector<ItemPlan> items;
+};
+
+struct ReadingPlan {
+  double page_width = 850, page_height = 1100;  // page units
+  std::vector<PagePlan> pages;
+};
+
+ReadingPlan PlanOf(const clsXUNTemplate& form);
+
+}  // namespace xun::reading::detail
