@@ -1,4 +1,4 @@
-// Page images read with GraphicsMagick: kept apart so no other file sees its headers.
+// Page images imported and read through the project's decoder (imagefile/).
 #pragma once
 
 #include <cstdint>

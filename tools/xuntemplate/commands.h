@@ -13,5 +13,6 @@ void AddBuildCommand(CLI::App& app, int& status);
 void AddConvertCommand(CLI::App& app, int& status);
 void AddBatchCommand(CLI::App& app, int& status);
 void AddRenderCommand(CLI::App& app, int& status);
+void AddRegisterCommand(CLI::App& app, int& status);
 
 }  // namespace xuntool

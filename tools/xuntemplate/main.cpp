@@ -14,7 +14,8 @@ int main(int argc, char** argv) {
   int status = kExitOk;
   try {
     LibrarySession session;
-    CLI::App app{"Describes, checks, converts, merges and draws form templates (.omr files)."};
+    CLI::App app{
+        "Describes, checks, converts, merges, draws and registers form templates (.omr files)."};
     app.name("xuntemplate");
     app.require_subcommand(1);
     AddInfoCommand(app, status);
@@ -24,6 +25,7 @@ int main(int argc, char** argv) {
     AddConvertCommand(app, status);
     AddBatchCommand(app, status);
     AddRenderCommand(app, status);
+    AddRegisterCommand(app, status);
     // CLI11 would call an unknown command a missing one.
     bool known = argc < 2 || argv[1][0] == '-';
     for (const CLI::App* sub : app.get_subcommands({}))
