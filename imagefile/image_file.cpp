@@ -1,10 +1,12 @@
 #include "imagefile/image_file.h"
 
 #include <algorithm>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include "imagefile/decode_error.h"
@@ -38,9 +40,34 @@ DecodeError NoSuchPage(int32_t index) {
                      "The image file has no page " + std::to_string(int64_t{index} + 1) + ".");
 }
 
+// A DCX file is a table of up to 1023 offsets (ending with 0) to whole PCX files. Page `index`
+// is the PCX its offset points to, up to the next page's offset (or the end of the file), where an
+// 8-bit PCX keeps its palette. Decoded alone, so no page before it is ever decoded.
+std::string_view DcxPage(std::string_view bytes, int32_t index) {
+  constexpr size_t kMaxPages = 1023;
+  const auto offset = [&](size_t entry) -> uint32_t {
+    const size_t at = 4 + 4 * entry;
+    if (entry >= kMaxPages || at + 4 > bytes.size()) return 0;
+    uint32_t value = 0;
+    for (int byte = 3; byte >= 0; --byte)
+      value = value << 8 | static_cast<uint8_t>(bytes[at + static_cast<size_t>(byte)]);
+    return value;
+  };
+  size_t pages = 0;
+  while (offset(pages) != 0)
+    ++pages;
+  const auto wanted = static_cast<size_t>(index);
+  if (wanted >= pages) throw NoSuchPage(index);
+  const size_t from = offset(wanted), next = offset(wanted + 1);
+  if (from >= bytes.size())
+    throw DecodeError(DecodeFailure::kNotAnImage, "a page lies beyond the end of the file");
+  const size_t to = next > from && next <= bytes.size() ? next : bytes.size();
+  return bytes.substr(from, to - from);
+}
+
 // Frames first..first+count-1 of the file; only their sizes when `ping`.
-ImageList Read(const std::string& bytes, const char* format, unsigned long first,
-               unsigned long count, bool ping) {
+ImageList Read(std::string_view bytes, const char* format, unsigned long first, unsigned long count,
+               bool ping) {
   magick::Info info = magick::InfoFor(format);
   info->subimage = first;
   info->subrange = count;
@@ -76,21 +103,29 @@ ImageFile ImageFile::Open(const std::string& path, const Limits& limits) {
 
 DecodedPage ImageFile::Decode(int32_t index) const {
   if (index < 0) throw NoSuchPage(index);
-  const auto wanted = static_cast<unsigned long>(index);
+  std::string_view bytes = bytes_;
+  const char* format = format_;
+  int32_t page = index;
+  if (std::strcmp(format_, "DCX") == 0) {
+    bytes = DcxPage(bytes_, index);
+    format = "PCX";
+    page = 0;
+  }
+  const auto wanted = static_cast<unsigned long>(page);
   // The size first: a page that is missing or claims to be huge is refused before anything is
   // allocated for it.
   {
-    const ImageList frames = Read(bytes_, format_, 0, wanted + 1, true);
+    const ImageList frames = Read(bytes, format, 0, wanted + 1, true);
     if (GetImageListLength(frames.get()) <= wanted) throw NoSuchPage(index);
-    CheckSize(*GetImageFromList(frames.get(), index), limits_);
+    CheckSize(*GetImageFromList(frames.get(), page), limits_);
   }
-  // Readers that honour a page request give that page alone; the others (DCX) give every page
-  // up to it.
+  // A reader that honours a page request (TIFF) gives that page alone; one that does not gives
+  // every page up to it.
   auto frames = std::make_unique<DecodedPage::Frames>();
-  frames->list = Read(bytes_, format_, wanted, 1, false);
+  frames->list = Read(bytes, format, wanted, 1, false);
   const size_t length = GetImageListLength(frames->list.get());
   frames->page = length == 1       ? frames->list.get()
-                 : length > wanted ? GetImageFromList(frames->list.get(), index)
+                 : length > wanted ? GetImageFromList(frames->list.get(), page)
                                    : nullptr;
   if (!frames->page) throw NoSuchPage(index);
   // The decoder may disagree with its own header.

@@ -34,7 +34,12 @@ Info InfoFor(const char* format) {
 
 void FailNotAnImage(const Exception& exception, const std::string& fallback) {
   const std::string why = exception.Reason();
-  throw DecodeError(DecodeFailure::kNotAnImage, why.empty() ? fallback : why);
+  // The image library's own limits (set in Start) and its memory are resource limits: the page
+  // is too large for them.
+  const DecodeFailure failure = exception.info.severity == ResourceLimitError
+                                    ? DecodeFailure::kTooLarge
+                                    : DecodeFailure::kNotAnImage;
+  throw DecodeError(failure, why.empty() ? fallback : why);
 }
 
 }  // namespace xun::imagefile::magick

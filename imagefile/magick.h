@@ -42,6 +42,8 @@ using Info = std::unique_ptr<ImageInfo, InfoDeleter>;
 // An ImageInfo for one format's reader; kOutOfMemory when it cannot be made.
 Info InfoFor(const char* format);
 
+// The image library failed: kTooLarge when it ran into a resource limit (its width, height or
+// pixel limit, or memory), else kNotAnImage; its reason, else `fallback`, as the text.
 [[noreturn]] void FailNotAnImage(const Exception& exception, const std::string& fallback);
 
 }  // namespace xun::imagefile::magick

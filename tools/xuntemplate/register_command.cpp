@@ -4,7 +4,10 @@
 #include <filesystem>
 #include <iomanip>
 #include <iostream>
+#include <memory>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "commands.h"
 #include "tool.h"
@@ -74,7 +77,7 @@ std::string Complaint(const RegistrationNotes& notes, int32_t page_number,
     if (message.title == "Invalid Region Registration")
       return "the region has no rectangle or grid to look for";
     // Without an engine every check comes back empty, which reads as a grid that does not fit.
-    if (!notes.failures.empty()) return "the library reported a failure (below)";
+    if (!notes.failures.empty()) return "the library reported a failure (see the warnings)";
     return "the engine could not fit the region's grid on the page image";
   }
   return "";
@@ -134,9 +137,9 @@ void Register(const RegisterArgs& args, int& status) {
       const std::string complaint = Complaint(notes, p, field.FieldName());
       const xun::BubbleGrid grid = xun::BubbleGrid::Of(field);
       if (!complaint.empty() || !grid.Registered()) {
-        std::cout << "not registered, "
-                  << (complaint.empty() ? "the library registered nothing" : complaint) << " ("
-                  << field.NumRows() << " x " << field.NumCols() << " bubbles asked for)\n";
+        std::cout << "not registered (" << field.NumRows() << " x " << field.NumCols()
+                  << " bubbles asked for): "
+                  << (complaint.empty() ? "the library registered nothing" : complaint) << "\n";
         continue;
       }
       ++registered;
@@ -157,8 +160,12 @@ void Register(const RegisterArgs& args, int& status) {
   std::cout << "\n";
   // Failures the library trapped on the way (an engine that cannot be found, say) explain a
   // region that was not registered.
-  for (const std::string& failure : notes.failures)
+  std::vector<std::string> said;
+  for (const std::string& failure : notes.failures) {
+    if (std::find(said.begin(), said.end(), failure) != said.end()) continue;
+    said.push_back(failure);
     std::cerr << "xuntemplate: warning: the library reported a failure in " << failure << "\n";
+  }
   if (keep && !valid)
     std::cerr << "xuntemplate: warning: " << args.output
               << ": not valid for reading (see xuntemplate check)\n";

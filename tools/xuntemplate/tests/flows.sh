@@ -247,7 +247,7 @@ PY
   status=0
   "$tool" register moved.omr -o moved-registered.omr >moved.txt || status=$?
   [[ $status == 1 ]] || fail "a region not registered: exit status $status, not 1"
-  grep -q "^  Answers: not registered, the engine could not fit the region's grid on the page" \
+  grep -q "^  Answers: not registered (5 x 4 bubbles asked for): the engine could not fit" \
     moved.txt || fail "no reason given: $(cat moved.txt)"
   grep -q "^  Student: registered, 10 x 6 bubbles" moved.txt || fail "$(cat moved.txt)"
   grep -q "^1 of 2 OMR regions registered; saved to moved-registered.omr$" moved.txt ||
