@@ -14,8 +14,8 @@ std::string Encode(int32_t width, int32_t height, const uint8_t* pixels, double 
   magick::Start();
   magick::Exception exception;
   magick::ImageList page(ConstituteImage(static_cast<unsigned long>(width),
-                                         static_cast<unsigned long>(height), "I", CharPixel,
-                                         pixels, &exception.info));
+                                         static_cast<unsigned long>(height), "I", CharPixel, pixels,
+                                         &exception.info));
   if (!page || exception.Failed()) magick::FailNotAnImage(exception, "the page cannot be made");
   SetImageType(page.get(), type);
   page->x_resolution = xdpi;
