@@ -16,7 +16,7 @@ int main(int argc, char** argv) {
     LibrarySession session;
     CLI::App app{
         "Describes, checks, converts, merges, draws, prints and registers form templates "
-        "(.omr files)."};
+        "(.omr files), and reads filled forms with them."};
     app.name("xuntemplate");
     app.require_subcommand(1);
     AddInfoCommand(app, status);
@@ -28,6 +28,7 @@ int main(int argc, char** argv) {
     AddRenderCommand(app, status);
     AddPrintCommand(app, status);
     AddRegisterCommand(app, status);
+    AddReadCommand(app, status);
     // CLI11 would call an unknown command a missing one.
     bool known = argc < 2 || argv[1][0] == '-';
     for (const CLI::App* sub : app.get_subcommands({}))
