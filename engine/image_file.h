@@ -1,5 +1,5 @@
-// Decoding an image file into 8-bit grey (GraphicsMagick), kept apart so no other file of the
-// engine sees the image library.
+// Decoding an image file into 8-bit grey with the project's decoder (imagefile/), kept apart so
+// no other file of the engine sees it.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -9,12 +9,8 @@
 
 namespace xunrec {
 
-// The largest image the engine decodes, in pixels (a legal page at 600 dpi fits), and the largest
-// file it reads.
-inline constexpr int64_t kMaxPixels = 48'000'000;
-inline constexpr int64_t kMaxFileBytes = 256LL * 1024 * 1024;
-
-// The pixel limit in force, kMaxPixels unless set lower (the fuzz target does, to stay fast).
+// The pixel limit in force: the decoder's own (imagefile/limits.h) unless set lower (the fuzz
+// target does, to stay fast).
 int64_t MaxPixels();
 void SetMaxPixels(int64_t pixels);
 

@@ -1,4 +1,4 @@
-// Page images read with GraphicsMagick: kept apart so no other file sees its headers.
+// Page images imported and read through the project's decoder (imagefile/).
 #pragma once
 
 #include <cstdint>
@@ -29,9 +29,8 @@ GreyImage ReadGreyRegion(const std::string& file, int32_t left, int32_t top, int
 
 namespace xun::imaging {
 
-// An 8-bit grey image (row after row, 0 black) as the bytes of a file in `format` ("PNG"), with
-// its resolution in dots per inch recorded.
-std::string EncodeGrey(const uint8_t* pixels, int32_t width, int32_t height, int32_t dpi,
-                       const char* format);
+// An 8-bit grey image (row after row, 0 black) as the bytes of a grey PNG file, with its
+// resolution in dots per inch recorded.
+std::string EncodeGrey(const uint8_t* pixels, int32_t width, int32_t height, int32_t dpi);
 
 }  // namespace xun::imaging

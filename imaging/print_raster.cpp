@@ -170,7 +170,7 @@ std::string PrintRaster(const printing::PageLayout& layout, int32_t dpi) {
   if (!layout.image_file.empty()) DrawImageUnder(page, layout, dpi);
   for (const PrintedShape& shape : layout.shapes)
     Draw(page, shape, scale);
-  return EncodeGrey(page.data, page.cols, page.rows, dpi, "PNG");
+  return EncodeGrey(page.data, page.cols, page.rows, dpi);
 }
 
 }  // namespace xun::imaging

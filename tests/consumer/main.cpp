@@ -3,6 +3,8 @@
 #include <xun/xun.h>
 
 #include <cstdint>
+#include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <string>
 
@@ -15,6 +17,25 @@ void Check(bool ok, const char* what) {
     std::cerr << "consumer: failed: " << what << '\n';
     ++failures;
   }
+}
+
+// A white 1-bit PCX page of 16 x 8 pixels: the header, then each line's two bytes run-length
+// coded.
+void WriteBlankPcx(const std::string& path) {
+  std::string pcx(128, '\0');
+  pcx[0] = 0x0A;  // manufacturer
+  pcx[1] = 5;     // version
+  pcx[2] = 1;     // run-length coded
+  pcx[3] = 1;     // bits per pixel
+  pcx[8] = 15;    // right edge
+  pcx[10] = 7;    // bottom edge
+  pcx[12] = 100;  // dots per inch
+  pcx[14] = 100;
+  pcx[65] = 1;  // planes
+  pcx[66] = 2;  // bytes per line
+  for (int line = 0; line < 8; ++line)
+    pcx += "\xC2\xFF";
+  std::ofstream(path, std::ios::binary) << pcx;
 }
 
 }  // namespace
@@ -48,6 +69,19 @@ int main() {
 
   const std::string location = xun::basError::FullLocation("x.y", 3);
   Check(location.ends_with("x.y; Line: 3"), "basError::FullLocation");
+
+  // The image module is opened beside the installed library: importing a page image needs it.
+  const std::string pcx = xun::basPublic::GetUniqueFileName(
+      "xun", ".pcx", std::filesystem::temp_directory_path().string());
+  WriteBlankPcx(pcx);
+  auto form = xun::clsXUNTemplate::Create();
+  auto page = xun::clsXUNPage::Create();
+  form->Pages()->Add(page);
+  Check(page->ImageImport(pcx), "ImageImport through the installed image module");
+  Check(page->ImageWidth() == 16 && page->ImageHeight() == 8 && page->XDPI() == 100,
+        "the imported page's size and resolution");
+  form->Free();
+  std::filesystem::remove(pcx);
 
   if (failures == 0) std::cout << "consumer: ok\n";
   return failures == 0 ? 0 : 1;

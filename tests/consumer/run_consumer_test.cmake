@@ -5,9 +5,11 @@
 #   WORK_DIR           scratch folder for the prefix and the consumer's build
 #   GENERATOR, MAKE_PROGRAM, CXX_COMPILER, CONFIG   as in the project's build
 #   EXAMPLE_TEMPLATE   a template the installed xuntemplate (when built) describes
+#   SCANNED_TEMPLATE   a template with a page image the installed xuntemplate registers
 cmake_minimum_required(VERSION 3.25)
 
-foreach(var XUN_BUILD_DIR CONSUMER_SOURCE WORK_DIR GENERATOR CXX_COMPILER EXAMPLE_TEMPLATE)
+foreach(var XUN_BUILD_DIR CONSUMER_SOURCE WORK_DIR GENERATOR CXX_COMPILER EXAMPLE_TEMPLATE
+            SCANNED_TEMPLATE)
   if(NOT DEFINED ${var} OR "${${var}}" STREQUAL "")
     message(FATAL_ERROR "run_consumer_test: ${var} is not set")
   endif()
@@ -71,5 +73,32 @@ if(EXISTS "${prefix}/bin/xuntemplate")
   if(NOT result EQUAL 0 OR NOT output MATCHES "Valid for reading: yes")
     message(FATAL_ERROR "run_consumer_test: the installed xuntemplate failed (${result}):\n"
                         "${output}${errors}")
+  endif()
+endif()
+
+# The engine and the image module are installed beside the library, and the installed library
+# finds the engine there with no setting: every region of the scanned example registers (without
+# the engine none would, and the tool would exit 1).
+file(GLOB_RECURSE library "${prefix}/libXUNTemplate91.so")
+if(NOT library)
+  message(FATAL_ERROR "run_consumer_test: libXUNTemplate91.so is not installed")
+endif()
+get_filename_component(libdir "${library}" DIRECTORY)
+foreach(plugin libXUNRec90.so libXUNImaging91.so)
+  if(NOT EXISTS "${libdir}/${plugin}")
+    message(FATAL_ERROR "run_consumer_test: ${plugin} is not installed beside the library")
+  endif()
+endforeach()
+if(EXISTS "${prefix}/bin/xuntemplate")
+  execute_process(COMMAND "${CMAKE_COMMAND}" -E env --unset=LD_LIBRARY_PATH
+                          "${prefix}/bin/xuntemplate" register "${SCANNED_TEMPLATE}"
+                          -o "${WORK_DIR}/registered.omr"
+                  RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE errors)
+  string(REGEX MATCH "\n([0-9]+) of ([0-9]+) OMR regions? registered" summary "${output}")
+  if(NOT result EQUAL 0 OR NOT summary OR NOT CMAKE_MATCH_1 EQUAL CMAKE_MATCH_2
+     OR CMAKE_MATCH_1 EQUAL 0 OR output MATCHES "not registered"
+     OR NOT EXISTS "${WORK_DIR}/registered.omr")
+    message(FATAL_ERROR "run_consumer_test: the installed xuntemplate did not register "
+                        "${SCANNED_TEMPLATE} (${result}):\n${output}${errors}")
   endif()
 endif()

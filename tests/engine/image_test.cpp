@@ -8,62 +8,12 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include "common/hostile_images.h"
 #include "common/test_support.h"
 #include "engine/engine_calls.h"
 
 namespace xun::testing {
 namespace {
-
-std::string Bytes(const std::string& path) {
-  return ReadFileBytes(path);
-}
-
-// A PNG signature, an IHDR chunk claiming the size and an empty IDAT: the header is sound, the
-// pixels are missing.
-std::string PngHeader(uint32_t width, uint32_t height) {
-  std::string png("\x89PNG\r\n\x1a\n", 8);
-  const auto be32 = [](std::string& out, uint32_t v) {
-    for (int shift = 24; shift >= 0; shift -= 8)
-      out += static_cast<char>((v >> shift) & 0xFF);
-  };
-  const auto chunk = [&](const std::string& type, const std::string& data) {
-    be32(png, static_cast<uint32_t>(data.size()));
-    const std::string body = type + data;
-    png += body;
-    uint32_t crc = 0xFFFFFFFF;
-    for (const char c : body) {
-      crc ^= static_cast<uint8_t>(c);
-      for (int bit = 0; bit < 8; ++bit)
-        crc = (crc >> 1) ^ (0xEDB88320u & (0u - (crc & 1u)));
-    }
-    be32(png, crc ^ 0xFFFFFFFF);
-  };
-  std::string header;
-  be32(header, width);
-  be32(header, height);
-  header += std::string("\x08\x00\x00\x00\x00", 5);
-  chunk("IHDR", header);
-  chunk("IDAT", "");
-  return png;
-}
-
-// A 1-bit PCX header claiming width x height, with `data` bytes of pixels after it.
-std::string PcxHeader(uint16_t width, uint16_t height, size_t data) {
-  std::string pcx(128, '\0');
-  pcx[0] = 0x0A;
-  pcx[1] = 5;
-  pcx[2] = 1;
-  pcx[3] = 1;  // bits per pixel
-  pcx[8] = static_cast<char>((width - 1) & 0xFF);
-  pcx[9] = static_cast<char>((width - 1) >> 8);
-  pcx[10] = static_cast<char>((height - 1) & 0xFF);
-  pcx[11] = static_cast<char>((height - 1) >> 8);
-  pcx[65] = 1;  // planes
-  const uint16_t line = static_cast<uint16_t>((width + 15) / 16 * 2);
-  pcx[66] = static_cast<char>(line & 0xFF);
-  pcx[67] = static_cast<char>(line >> 8);
-  return pcx + std::string(data, '\xFF');
-}
 
 int16_t Load(const std::string& path) {
   const int16_t code = XUNREC_load_image(path.c_str(), 0, 200, 200, 0, 0);
@@ -80,26 +30,31 @@ TEST(HostileFiles, AreRefusedWithACode) {
   ASSERT_EQ(Load(png), XUNREC_OK);
   ASSERT_EQ(Load(pcx), XUNREC_OK);
 
-  const auto write = [&](const std::string& name, const std::string& bytes) {
-    WriteFileBytes(folder.File(name), bytes);
-    return folder.File(name);
-  };
-  EXPECT_EQ(Load(folder.File("missing.png")), XUNREC_FILE_NOT_FOUND);
-  EXPECT_EQ(Load(folder.path()), XUNREC_FILE_NOT_FOUND);
-  EXPECT_EQ(Load(write("empty.png", "")), XUNREC_NOT_AN_IMAGE);
-  EXPECT_EQ(Load(write("text.png", "not an image at all, just some words")), XUNREC_NOT_AN_IMAGE);
-  const std::string good_png = Bytes(png), good_pcx = Bytes(pcx);
-  EXPECT_EQ(Load(write("truncated.png", good_png.substr(0, good_png.size() / 2))),
-            XUNREC_NOT_AN_IMAGE);
-  EXPECT_EQ(Load(write("truncated.pcx", good_pcx.substr(0, 200))), XUNREC_NOT_AN_IMAGE);
-  // The image library wants some pixel data before it tells a PNG's size; either way nothing of
-  // that size is allocated.
-  EXPECT_THAT(Load(write("huge.png", PngHeader(60000, 60000))),
-              ::testing::AnyOf(XUNREC_IMAGE_TOO_LARGE, XUNREC_NOT_AN_IMAGE));
-  EXPECT_EQ(Load(write("huge.pcx", PcxHeader(60000, 60000, 64))), XUNREC_IMAGE_TOO_LARGE);
-  // Within the limits, but far more pixels than the file holds.
-  EXPECT_EQ(Load(write("lying.pcx", PcxHeader(4000, 4000, 300))), XUNREC_NOT_AN_IMAGE);
-  EXPECT_EQ(Load(write("zero.png", PngHeader(0, 0))), XUNREC_NOT_AN_IMAGE);
+  for (const HostileFile& file :
+       WriteHostileFiles(folder, ReadFileBytes(png), ReadFileBytes(pcx))) {
+    const int16_t code = Load(file.path);
+    switch (file.refusal) {
+      case Refusal::kNotFound:
+        EXPECT_EQ(code, XUNREC_FILE_NOT_FOUND) << file.name;
+        break;
+      case Refusal::kNotAnImage:
+        EXPECT_EQ(code, XUNREC_NOT_AN_IMAGE) << file.name;
+        break;
+      case Refusal::kTooLarge:
+        EXPECT_EQ(code, XUNREC_IMAGE_TOO_LARGE) << file.name;
+        break;
+      case Refusal::kTooLargeOrNotAnImage:
+        EXPECT_THAT(code, ::testing::AnyOf(XUNREC_IMAGE_TOO_LARGE, XUNREC_NOT_AN_IMAGE))
+            << file.name;
+        break;
+    }
+  }
+  // Only the first page is read: a huge second page of a DCX does not matter.
+  const std::string good_pcx = ReadFileBytes(pcx);
+  WriteFileBytes(folder.File("two.dcx"), Dcx({good_pcx, PcxHeader(60000, 60000, 64)}));
+  EXPECT_EQ(Load(folder.File("two.dcx")), XUNREC_OK);
+  WriteFileBytes(folder.File("huge_first.dcx"), Dcx({PcxHeader(60000, 60000, 64), good_pcx}));
+  EXPECT_EQ(Load(folder.File("huge_first.dcx")), XUNREC_IMAGE_TOO_LARGE);
 
   // A failed load leaves no image behind, even after a good one.
   ASSERT_EQ(XUNREC_load_image(png.c_str(), 0, 200, 200, 0, 0), XUNREC_OK);

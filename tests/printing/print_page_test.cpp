@@ -27,7 +27,10 @@ struct Printed {
 
 class PrintPageTest : public ::testing::Test {
  protected:
-  void SetUp() override { ASSERT_TRUE(exam_->Read(std::string(XUN_EXAMPLES_DIR) + "/exam.omr")); }
+  void SetUp() override {
+    Magick::InitializeMagick(nullptr);  // the test draws with the image library itself
+    ASSERT_TRUE(exam_->Read(std::string(XUN_EXAMPLES_DIR) + "/exam.omr"));
+  }
   void TearDown() override { exam_->Free(); }
   std::shared_ptr<clsXUNField> Region(const std::string& name) {
     for (const auto& field : *exam_->Pages()->Item(1)->Fields())

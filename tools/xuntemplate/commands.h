@@ -14,5 +14,7 @@ void AddConvertCommand(CLI::App& app, int& status);
 void AddBatchCommand(CLI::App& app, int& status);
 void AddRenderCommand(CLI::App& app, int& status);
 void AddPrintCommand(CLI::App& app, int& status);
+void AddRegisterCommand(CLI::App& app, int& status);
+void AddReadCommand(CLI::App& app, int& status);
 
 }  // namespace xuntool

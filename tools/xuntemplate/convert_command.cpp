@@ -14,15 +14,8 @@ struct ConvertArgs {
 void Convert(const ConvertArgs& args) {
   auto t = OpenTemplate(args.input, true);
   TemplateGuard guard(t);
-  std::optional<Encoding> encoding;
-  if (!args.encoding.empty()) {
-    encoding = ParseEncoding(args.encoding);
-  } else {
-    // A plain file keeps its encoding; an archive's text follows the writer's own rule.
-    const FileKind kind = KindOfFile(args.input);
-    if (kind == FileKind::Utf16) encoding = Encoding::Utf16;
-    if (kind == FileKind::Ansi) encoding = Encoding::Ansi;
-  }
+  const std::optional<Encoding> encoding =
+      args.encoding.empty() ? KeptEncoding(args.input) : ParseEncoding(args.encoding);
   const bool valid = SaveTemplateAs(*t, args.output, encoding);
   std::cout << args.output << ": " << FileKindName(KindOfFile(args.output)) << ", "
             << Plural(t->NumPages(), "page", "pages") << ", "

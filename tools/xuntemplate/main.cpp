@@ -14,7 +14,9 @@ int main(int argc, char** argv) {
   int status = kExitOk;
   try {
     LibrarySession session;
-    CLI::App app{"Describes, checks, converts, merges, draws and prints form templates (.omr files)."};
+    CLI::App app{
+        "Describes, checks, converts, merges, draws, prints and registers form templates "
+        "(.omr files), and reads filled forms with them."};
     app.name("xuntemplate");
     app.require_subcommand(1);
     AddInfoCommand(app, status);
@@ -25,6 +27,8 @@ int main(int argc, char** argv) {
     AddBatchCommand(app, status);
     AddRenderCommand(app, status);
     AddPrintCommand(app, status);
+    AddRegisterCommand(app, status);
+    AddReadCommand(app, status);
     // CLI11 would call an unknown command a missing one.
     bool known = argc < 2 || argv[1][0] == '-';
     for (const CLI::App* sub : app.get_subcommands({}))

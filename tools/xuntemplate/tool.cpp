@@ -174,8 +174,20 @@ std::optional<Encoding> ParseEncoding(const std::string& name) {
   return std::nullopt;
 }
 
+std::optional<Encoding> KeptEncoding(const std::string& path) {
+  switch (KindOfFile(path)) {
+    case FileKind::Utf16:
+      return Encoding::Utf16;
+    case FileKind::Ansi:
+      return Encoding::Ansi;
+    case FileKind::Archive:
+      break;
+  }
+  return std::nullopt;
+}
+
 bool SaveTemplateAs(xun::clsXUNTemplate& t, const std::string& target,
-                    std::optional<Encoding> encoding) {
+                    std::optional<Encoding> encoding, RegistrationNotes* registration) {
   const fs::path target_path(target);
   fs::path folder = target_path.parent_path();
   if (folder.empty()) folder = ".";
@@ -196,7 +208,11 @@ bool SaveTemplateAs(xun::clsXUNTemplate& t, const std::string& target,
   }
   LibrarySession session;
   bool invalid = false;
-  const bool saved = t.Save(temp, true, &invalid, false);
+  const bool saved = t.Save(temp, true, &invalid, registration != nullptr);
+  if (registration) {
+    registration->messages = session.messages();
+    registration->failures = session.failures();
+  }
   RemoveQuietly(temp + ".old");
   if (!saved) {
     RemoveQuietly(temp);

@@ -91,12 +91,24 @@ class TemplateGuard {
 enum class Encoding { Ansi, Utf16 };
 std::optional<Encoding> ParseEncoding(const std::string& name);
 
+// The encoding a template written from `path` keeps: a plain file's own, none for an archive
+// (its text follows the writer's own rule).
+std::optional<Encoding> KeptEncoding(const std::string& path);
+
+// What the library said while it registered regions on the way to the file.
+struct RegistrationNotes {
+  std::vector<LibrarySession::Message> messages;
+  std::vector<std::string> failures;
+};
+
 // Saves `t` to `target` through a temporary file beside it, so the target is replaced only by a
 // complete file and no backup is left behind. With `encoding` the text is written in it (text
 // Windows-1252 cannot hold still makes the file UTF-16, which is reported on standard error).
-// Returns whether what was written is valid for reading.
+// With `registration` the library registers every region against its page image as it saves
+// (Save's bRegister) and what it said about that is left there. Returns whether what was written
+// is valid for reading.
 bool SaveTemplateAs(xun::clsXUNTemplate& t, const std::string& target,
-                    std::optional<Encoding> encoding);
+                    std::optional<Encoding> encoding, RegistrationNotes* registration = nullptr);
 
 // Writes `text` to `target` through a temporary file beside it, so a failure never leaves the
 // target half-written; throws a one-line ToolError when it cannot be written.

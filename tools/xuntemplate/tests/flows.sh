@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # End-to-end flows of the tool that take several steps:
 #   flows.sh FLOW TOOL EXAMPLES WORK [CHROMIUM CHECK_PNG]
-# FLOW is one of roundtrip, convert, image, render, print, checklines, batch, robust. WORK is emptied first.
+# FLOW is one of roundtrip, convert, image, render, print, checklines, register, batch, robust.
+# WORK is emptied first.
 set -euo pipefail
 flow=$1 tool=$2 examples=$3 work=$4 chromium=${5:-} check_png=${6:-}
 rm -rf "$work" && mkdir -p "$work" && cd "$work"
@@ -231,6 +232,48 @@ checklines)
   sed 's/^plain.omr:[0-9]*:/archive.omr:/' plain.txt | sort >expected.txt
   sort archive.txt >found.txt
   cmp -s expected.txt found.txt || fail "archive warnings: $(diff expected.txt found.txt)"
+  ;;
+register)
+  cp "$examples/scanned.omr" scanned.omr
+  "$tool" register scanned.omr >out.txt || fail "register: $(cat out.txt)"
+  cmp -s scanned.omr "$examples/scanned.omr" || fail "register without -o changed its input"
+  grep -q "^2 of 2 OMR regions registered$" out.txt || fail "register: $(cat out.txt)"
+  [[ $(grep -c "^  [A-Za-z]*: registered, " out.txt) == 2 ]] || fail "register: $(cat out.txt)"
+  # Saved registered, a second registration finds the bubbles where the first put them: the
+  # first stored what it found as the printed grid.
+  "$tool" register scanned.omr -o again.omr >/dev/null
+  [[ $(first_bytes again.omr 2) == 504b ]] || fail "the registered template is not an archive"
+  "$tool" register again.omr >second.txt || fail "register again: $(cat second.txt)"
+  [[ $(grep -c "registered left .*, moved 0, 0$" second.txt) == 2 ]] ||
+    fail "the second registration moved: $(cat second.txt)"
+  # A region moved off the page image is not registered, and says why, though it keeps the
+  # registration it had; the others are, and the file is still saved.
+  "$tool" dump scanned.omr -o moved.json --images images
+  python3 - <<'PY'
+import json
+doc = json.load(open("moved.json"))
+for region in doc["Template"]["Pages"][0]["Regions"]:
+    if region["FieldName"] == "Answers":
+        region["Left"] += 800
+        region["Right"] += 800
+json.dump(doc, open("moved.json", "w"), indent=2)
+PY
+  "$tool" build moved.json -o moved.omr >/dev/null
+  status=0
+  "$tool" register moved.omr -o moved-registered.omr >moved.txt || status=$?
+  [[ $status == 1 ]] || fail "a region not registered: exit status $status, not 1"
+  grep -q "^  Answers: not registered (5 x 4 bubbles asked for): the engine could not fit" \
+    moved.txt || fail "no reason given: $(cat moved.txt)"
+  grep -q "^  Student: registered, 10 x 6 bubbles" moved.txt || fail "$(cat moved.txt)"
+  grep -q "^1 of 2 OMR regions registered; saved to moved-registered.omr$" moved.txt ||
+    fail "$(cat moved.txt)"
+  [[ -s moved-registered.omr ]] || fail "nothing saved"
+  # --page reports that page alone; a template without page images has nothing to register.
+  "$tool" register moved.omr --page 1 >page.txt || true
+  cmp -s <(sed 's/; saved to .*//' moved.txt) page.txt || fail "--page 1: $(diff moved.txt page.txt)"
+  "$tool" register "$examples/exam.omr" >exam.txt || fail "exam.omr: $(cat exam.txt)"
+  grep -q "^page 1: no page image, nothing to register$" exam.txt || fail "$(cat exam.txt)"
+  grep -q "^0 of 0 OMR regions registered$" exam.txt || fail "$(cat exam.txt)"
   ;;
 batch)
   "$tool" batch write batch.rbf --form "$examples/survey.omr" >/dev/null

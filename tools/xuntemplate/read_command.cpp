@@ -1,0 +1,110 @@
+// `xuntemplate read TEMPLATE SCANS... -o results.csv`: filled forms read into one row each.
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <iostream>
+#include <mutex>
+#include <sstream>
+#include <thread>
+
+#include "commands.h"
+#include "read_output.h"
+#include "tool.h"
+#include "xun/reading/form_reader.h"
+
+namespace xuntool {
+namespace {
+
+struct ReadArgs {
+  std::string file, output, json;
+  std::vector<std::string> scans;
+  int32_t jobs = 0;
+};
+
+// One line on a terminal, rewritten as forms are read; nothing when standard error is a file.
+class Progress {
+ public:
+  explicit Progress(size_t total) : total_(total), shown_(isatty(STDERR_FILENO) != 0) {}
+  void Done() {
+    const size_t done = ++done_;
+    if (!shown_) return;
+    const std::lock_guard lock(mutex_);
+    const size_t width = 30, filled = total_ ? width * done / total_ : width;
+    std::cerr << "\r[" << std::string(filled, '#') << std::string(width - filled, ' ') << "] "
+              << done << "/" << total_ << " forms" << std::flush;
+    if (done == total_) std::cerr << "\n";
+  }
+
+ private:
+  size_t total_;
+  bool shown_;
+  std::atomic<size_t> done_{0};
+  std::mutex mutex_;
+};
+
+void Read(const ReadArgs& args) {
+  auto t = OpenTemplate(args.file, false);
+  TemplateGuard guard(t);
+  const xun::reading::FormReader reader(*t);
+  const size_t pages = static_cast<size_t>(std::max(reader.NumPages(), 1));
+  // The scans of a form are one image a page, in page order, form after form.
+  std::vector<std::vector<std::string>> forms;
+  for (size_t i = 0; i < args.scans.size(); i += pages)
+    forms.emplace_back(
+        args.scans.begin() + static_cast<std::ptrdiff_t>(i),
+        args.scans.begin() + static_cast<std::ptrdiff_t>(std::min(args.scans.size(), i + pages)));
+
+  // Each worker reads with images of its own: the reader keeps no image between forms.
+  const size_t jobs = std::clamp<size_t>(
+      args.jobs > 0 ? static_cast<size_t>(args.jobs) : std::thread::hardware_concurrency(), 1,
+      std::max<size_t>(forms.size(), 1));
+  std::vector<xun::reading::FormRecord> records(forms.size());
+  std::atomic<size_t> next{0};
+  Progress progress(forms.size());
+  std::vector<std::thread> workers;
+  for (size_t w = 0; w < jobs; ++w)
+    workers.emplace_back([&] {
+      for (size_t i = next++; i < forms.size(); i = next++) {
+        records[i] = reader.Read(forms[i]);
+        progress.Done();
+      }
+    });
+  for (std::thread& worker : workers)
+    worker.join();
+
+  WriteOutputFile(args.output, ResultsCsv(records));
+  if (!args.json.empty()) WriteOutputFile(args.json, ResultsJsonLines(records));
+  size_t review = 0, failed = 0;
+  for (const auto& record : records) {
+    if (record.NeedsReview()) ++review;
+    if (!FormRead(record)) ++failed;
+  }
+  std::cout << args.output << ": " << Plural(static_cast<int64_t>(records.size()), "form", "forms")
+            << ", " << review << " to review, " << failed << " not read\n";
+}
+
+}  // namespace
+
+void AddReadCommand(CLI::App& app, int& status) {
+  auto* cmd = app.add_subcommand("read", "Read filled, scanned forms into a CSV file");
+  cmd->footer(
+      Wrap("Read filled forms: each form is one scanned image a page of the template, in page "
+           "order, form after form. One row a form, in the order given, with the template's items "
+           "as columns; with --json, one JSON record a form with every answer's status and "
+           "confidence. A file that cannot be read or a page that cannot be registered gives a "
+           "row with an error status and the reason; it never stops the others."));
+  auto args = std::make_shared<ReadArgs>();
+  cmd->add_option("TEMPLATE", args->file, "Template file (.omr, plain or zipped)")->required();
+  cmd->add_option("SCANS", args->scans, "Scanned images (PNG, JPEG, TIFF, PCX)")->required();
+  cmd->add_option("-o,--output", args->output, "CSV file to write")->required();
+  cmd->add_option("--json", args->json, "JSON Lines file to write as well");
+  cmd->add_option("-j,--jobs", args->jobs, "Forms read at once (default: one a core)")
+      ->check(CLI::Range(1, 256));
+  cmd->callback([args, &status] {
+    Read(*args);
+    status = kExitOk;
+  });
+}
+
+}  // namespace xuntool

@@ -1,0 +1,26 @@
+// The records of `read` as a CSV table and as JSON Lines.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "xun/reading/form_record.h"
+
+namespace xuntool {
+
+// Whether every page of the form was read (a form with doubtful answers was read).
+bool FormRead(const xun::reading::FormRecord& record);
+
+// "read", "review" or "error".
+std::string FormStatus(const xun::reading::FormRecord& record);
+
+// A header row (form, status, message, then the items by name in item order) and one row a
+// form: its first image, its status, why it was not read, and the value of every item. RFC 4180
+// quoting, CRLF line ends.
+std::string ResultsCsv(const std::vector<xun::reading::FormRecord>& records);
+
+// One JSON object a line and a form: its images, status, error, every page's registration and
+// every answer with its status, confidence and why.
+std::string ResultsJsonLines(const std::vector<xun::reading::FormRecord>& records);
+
+}  // namespace xuntool
