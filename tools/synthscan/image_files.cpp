@@ -8,6 +8,9 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "imagefile/decode_error.h"
+#include "imagefile/image_file.h"
+
 namespace xun::synthscan {
 namespace {
 
@@ -45,18 +48,15 @@ ImageFormat FormatOfFileName(const std::string& file) {
 }
 
 cv::Mat ReadGreyImage(const std::string& file, int& dpi) {
-  StartMagick();
-  if (!std::filesystem::is_regular_file(file)) throw std::runtime_error(file + ": no such file");
+  // Decoded as the engine and the image module decode pages, so a print reads here as it reads
+  // there.
   try {
-    Magick::Image image;
-    image.read(file);
-    double resolution = image.xResolution();
-    if (image.resolutionUnits() == Magick::PixelsPerCentimeterResolution) resolution *= 2.54;
-    dpi = image.resolutionUnits() == Magick::UndefinedResolution
-              ? 0
-              : static_cast<int>(std::lround(resolution));
-    return FromMagick(image);
-  } catch (const Magick::Exception& e) {
+    const imagefile::DecodedPage page = imagefile::ImageFile::Open(file).Decode(0);
+    cv::Mat grey(page.Height(), page.Width(), CV_8UC1);
+    page.ReadGrey({0, 0, page.Width(), page.Height()}, grey.data, grey.step);
+    dpi = static_cast<int>(std::lround(page.XDpi()));
+    return grey;
+  } catch (const imagefile::DecodeError& e) {
     throw std::runtime_error(file + ": cannot be read as an image: " + e.what());
   }
 }

@@ -1,4 +1,5 @@
-// Page images in and out of files (GraphicsMagick): grey or 1-bit PNG, JPEG, TIFF.
+// Page images in and out of files: read by the project's one decoder (imagefile/), written by
+// GraphicsMagick as grey or 1-bit PNG, JPEG or TIFF.
 #pragma once
 
 #include <opencv2/core.hpp>
