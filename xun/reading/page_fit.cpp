@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <numeric>
+#include <unordered_map>
 
 #include "engine/blobs.h"
 
@@ -19,6 +21,11 @@ constexpr double kMatchShare = 0.35;
 constexpr double kFoundShare = 0.6;
 // Scales tried between the nominal and the largest change.
 constexpr int kScaleSteps = 2;
+// How far a turn of the page about a point other than its middle moves it, in page units: up to
+// half a page's diagonal times the largest turn's sine, and the largest scale change.
+constexpr double kPivotShift = 50;
+// Peaks of the shift votes looked at for each turn and scale.
+constexpr size_t kPeaksTried = 6;
 
 double Median(std::vector<double> values) {
   if (values.empty()) return 0;
@@ -187,39 +194,58 @@ Placement BestShift(double angle, double k, cv::Point2d scale, cv::Point2d centr
       if (x >= 0 && x < side && y >= 0 && y < side) ++votes[static_cast<size_t>(y) * side + x];
     });
   }
-  int best = -1, best_x = half, best_y = half;
+  // Sums over 3 x 3 bins, and the highest few local peaks: a grid matches itself shifted by one
+  // pitch almost as well as in place, so the peaks are told apart by how many bubbles each
+  // finds, not by their votes.
+  std::vector<int> around(votes.size(), 0);
   for (int y = 0; y < side; ++y)
-    for (int x = 0; x < side; ++x) {
-      int around = 0;
+    for (int x = 0; x < side; ++x)
       for (int dy = -1; dy <= 1; ++dy)
         for (int dx = -1; dx <= 1; ++dx)
           if (x + dx >= 0 && x + dx < side && y + dy >= 0 && y + dy < side)
-            around += votes[static_cast<size_t>(y + dy) * side + x + dx];
-      if (around > best) {
-        best = around;
-        best_x = x;
-        best_y = y;
+            around[static_cast<size_t>(y) * side + x] +=
+                votes[static_cast<size_t>(y + dy) * side + x + dx];
+  std::vector<std::pair<int, int>> peaks;  // (votes, bin)
+  for (int y = 0; y < side; ++y)
+    for (int x = 0; x < side; ++x) {
+      const int v = around[static_cast<size_t>(y) * side + x];
+      if (v <= 0) continue;
+      bool highest = true;
+      for (int dy = -1; dy <= 1 && highest; ++dy)
+        for (int dx = -1; dx <= 1 && highest; ++dx)
+          if ((dx || dy) && x + dx >= 0 && x + dx < side && y + dy >= 0 && y + dy < side)
+            highest = around[static_cast<size_t>(y + dy) * side + x + dx] <= v;
+      if (highest) peaks.push_back({v, y * side + x});
+    }
+  std::sort(peaks.begin(), peaks.end(), std::greater<>());
+  if (peaks.size() > kPeaksTried) peaks.resize(kPeaksTried);
+
+  Placement best;
+  double best_shift = 0;
+  for (const auto& [peak_votes, bin] : peaks) {
+    const cv::Point2d shift((bin % side - half) * bin_px, (bin / side - half) * bin_px);
+    Placement placement;
+    placement.transform = Similarity(angle, k, scale, centre_units, shift);
+    // The shift from the blobs themselves: the mean offset of the bubbles matched.
+    const std::vector<int> matches = Match(placement.transform, printed, buckets, scale);
+    cv::Point2d sum(0, 0);
+    int n = 0;
+    for (size_t i = 0; i < matches.size(); ++i)
+      if (matches[i] >= 0) {
+        sum +=
+            blobs[static_cast<size_t>(matches[i])] - Apply(placement.transform, printed.centres[i]);
+        ++n;
       }
+    const cv::Point2d refined = n > 0 ? shift + sum * (1.0 / n) : shift;
+    placement.transform = Similarity(angle, k, scale, centre_units, refined);
+    placement.found = Count(Match(placement.transform, printed, buckets, scale));
+    const double length = cv::norm(refined);
+    if (placement.found > best.found || (placement.found == best.found && length < best_shift)) {
+      best = placement;
+      best_shift = length;
     }
-  // The shift from the blobs of the peak: the mean offset of the bubbles matched within it.
-  Placement placement;
-  placement.transform = Similarity(angle, k, scale, centre_units,
-                                   {(best_x - half) * bin_px, (best_y - half) * bin_px});
-  const std::vector<int> matches = Match(placement.transform, printed, buckets, scale);
-  cv::Point2d sum(0, 0);
-  int n = 0;
-  for (size_t i = 0; i < matches.size(); ++i)
-    if (matches[i] >= 0) {
-      sum += blobs[matches[i]] - Apply(placement.transform, printed.centres[i]);
-      ++n;
-    }
-  if (n > 0) {
-    placement.transform =
-        Similarity(angle, k, scale, centre_units,
-                   {(best_x - half) * bin_px + sum.x / n, (best_y - half) * bin_px + sum.y / n});
   }
-  placement.found = Count(Match(placement.transform, printed, buckets, scale));
-  return placement;
+  return best;
 }
 
 double RmsUnits(const cv::Matx33d& transform, const std::vector<cv::Point2d>& from,
@@ -272,13 +298,12 @@ std::optional<PageFit> FitPage(const cv::Mat& dark, double xdpi, double ydpi,
   for (const cv::Size2d& s : printed.sizes)
     heights.push_back(s.height);
   const double bubble_px = Median(heights) * scale.y;
-  const double reach_px = limits.max_shift_units * std::max(scale.x, scale.y);
+  // Turned and scaled about the middle of the page; a scanner turns it about some other point,
+  // which moves it besides, by up to kPivotShift across a page.
+  const double reach_px = (limits.max_shift_units + kPivotShift) * std::max(scale.x, scale.y);
   const Buckets buckets(blobs, std::max(4.0, bubble_px * 2));
 
-  cv::Point2d centre(0, 0);
-  for (const cv::Point2d& c : printed.centres)
-    centre += c;
-  centre *= 1.0 / static_cast<double>(printed.centres.size());
+  const cv::Point2d centre(dark.cols / scale.x / 2, dark.rows / scale.y / 2);
 
   // The turn, from the rows of blobs; then every scale in the limits, each with its best shift.
   const double max_angle = limits.max_degrees * kPi / 180;

@@ -1,0 +1,178 @@
+// Reading printed, filled, scanned forms: every answer a careful person would agree on is read
+// right through the scanner's distortions, the rest are flagged; blank sheets read blank; what
+// is not this form is refused with a reason.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "common/test_support.h"
+#include "synthscan/image_files.h"
+#include "synthscan/printed_page.h"
+#include "synthscan/synthetic_scan.h"
+#include "xun/reading/form_reader.h"
+#include "xun/xun.h"
+
+namespace xun::reading {
+namespace {
+
+namespace ss = xun::synthscan;
+
+// What the truth of the marks says each item must read: the library's own rules applied to the
+// bubbles as a careful person judges them (ambiguous ones doubtful). Items with an ambiguous
+// bubble may read either way and are left out.
+std::map<std::string, std::string> Expected(const clsXUNTemplate& form, const ss::Scan& scan) {
+  std::map<ss::BubbleAt, ss::Truth> truth;
+  for (const ss::BubbleTruth& b : scan.bubbles)
+    truth[b.at] = b.truth;
+  std::map<std::string, std::string> expected;
+  for (const auto& field : *form.Pages()->Item(scan.page)->Fields()) {
+    if (field->RecognitionType() != xunRecogTypeOMR) continue;
+    const bool by_rows = field->Orient() == xunOrientationTypeOMRRow;
+    for (const auto& question : *field->Questions()) {
+      if (question->ReturnIndex(true) <= 0) continue;
+      int16_t r0 = 0, r1 = 0, c0 = 0, c1 = 0;
+      if (!question->Plot(r0, r1, c0, c1)) continue;
+      std::vector<std::vector<BubbleRead>> lines;
+      bool ambiguous = false;
+      for (int a = by_rows ? r0 : c0; a <= (by_rows ? r1 : c1); ++a) {
+        auto& line = lines.emplace_back();
+        for (int b = by_rows ? c0 : r0; b <= (by_rows ? c1 : r1); ++b) {
+          const ss::Truth t = truth[{field->FieldName(), by_rows ? a : b, by_rows ? b : a}];
+          ambiguous = ambiguous || t == ss::Truth::kAmbiguous;
+          line.push_back({t == ss::Truth::kMarked ? MarkState::Marked : MarkState::Unmarked,
+                          static_cast<int16_t>(t == ss::Truth::kMarked ? 90 : 0), 1.0});
+        }
+      }
+      if (!ambiguous)
+        expected[question->QuestionName()] = AnswerOf(QuestionRules::Of(*question), lines).value;
+    }
+  }
+  return expected;
+}
+
+class FormReaderTest : public ::testing::Test {
+ protected:
+  void SetUp() override { ASSERT_TRUE(exam_->Read(std::string(XUN_EXAMPLES_DIR) + "/exam.omr")); }
+  void TearDown() override { exam_->Free(); }
+
+  // A scan of the exam marked by class `seed`, written as a file the reader reads.
+  ss::Scan ScanOf(uint32_t seed, int dpi, const ss::Distortions& d, const std::string& name,
+                  bool blank = false) {
+    const cv::Mat& printed = Printed(dpi);
+    const ss::MarkPlan plan =
+        blank ? ss::MarkPlan{} : ss::RandomMarks(*exam_->Pages()->Item(1), seed);
+    ss::Scan scan = ss::MakeScan(*exam_, 1, printed, dpi, plan, d, seed);
+    ss::WriteGreyImage(folder_.File(name), scan.image, dpi, d.dither, d.jpeg);
+    return scan;
+  }
+  const cv::Mat& Printed(int dpi) {
+    cv::Mat& printed = printed_[dpi];
+    if (printed.empty()) printed = ss::PrintedPage(*exam_, 1, dpi);
+    return printed;
+  }
+  std::map<std::string, ItemAnswer> Answers(const FormRecord& record) {
+    std::map<std::string, ItemAnswer> answers;
+    for (const ItemAnswer& a : record.answers)
+      answers[a.name] = a;
+    return answers;
+  }
+
+  testing::TempFolder folder_;
+  std::shared_ptr<clsXUNTemplate> exam_ = clsXUNTemplate::Create();
+  std::map<int, cv::Mat> printed_;
+};
+
+TEST_F(FormReaderTest, ClearAnswersAreReadRightThroughEveryScanner) {
+  const FormReader reader(*exam_);
+  struct Case {
+    int dpi;
+    ss::Distortions d;
+  };
+  std::vector<Case> cases = {{150, {}}, {200, {}}, {300, {}}, {600, {}}};
+  ss::Distortions skewed;
+  skewed.rotate = 3;
+  skewed.scale = 1.02;
+  skewed.shift_x = 30;
+  skewed.shift_y = -30;
+  cases.push_back({200, skewed});
+  skewed.rotate = -3;
+  skewed.scale = 0.98;
+  skewed.blur = 1.2;
+  skewed.noise = 8;
+  skewed.jpeg = 15;
+  cases.push_back({300, skewed});
+  ss::Distortions flat;
+  flat.contrast = 0.5;
+  flat.rotate = 1.5;
+  cases.push_back({200, flat});
+  ss::Distortions bilevel;
+  bilevel.dither = true;
+  bilevel.rotate = -2;
+  cases.push_back({200, bilevel});
+  int compared = 0;
+  for (size_t i = 0; i < cases.size(); ++i) {
+    const std::string name = "scan" + std::to_string(i) + (cases[i].d.jpeg ? ".jpg" : ".png");
+    const ss::Scan scan = ScanOf(static_cast<uint32_t>(11 + i), cases[i].dpi, cases[i].d, name);
+    const FormRecord record = reader.Read({folder_.File(name)});
+    SCOPED_TRACE(name);
+    ASSERT_TRUE(record.pages[0].registered) << record.pages[0].error;
+    EXPECT_LT(record.pages[0].fit_error, 1.0);
+    std::map<std::string, ItemAnswer> answers = Answers(record);
+    for (const auto& [item, value] : Expected(*exam_, scan)) {
+      // A doubtful answer may be wrong: it goes to a person. Any other must be right.
+      if (answers[item].status == AnswerStatus::Doubtful) continue;
+      EXPECT_EQ(answers[item].value, value) << item;
+      ++compared;
+    }
+  }
+  EXPECT_GT(compared, 30);
+}
+
+TEST_F(FormReaderTest, ABlankSheetReadsBlankEverywhere) {
+  const FormReader reader(*exam_);
+  ss::Distortions d;
+  d.rotate = 2;
+  d.noise = 6;
+  d.blur = 1;
+  ScanOf(1, 200, d, "blank.png", true);
+  const FormRecord record = reader.Read({folder_.File("blank.png")});
+  ASSERT_TRUE(record.pages[0].registered);
+  EXPECT_FALSE(record.NeedsReview());
+  for (const ItemAnswer& a : record.answers) {
+    EXPECT_EQ(a.status, AnswerStatus::Blank) << a.name;
+    EXPECT_EQ(a.value, "BLANK");
+  }
+}
+
+TEST_F(FormReaderTest, WhatIsNotThisFormIsRefusedWithAReason) {
+  const FormReader reader(*exam_);
+  // Another form's page: the survey's bubbles are not where the exam's are.
+  auto survey = clsXUNTemplate::Create();
+  ASSERT_TRUE(survey->Read(std::string(XUN_EXAMPLES_DIR) + "/survey.omr"));
+  ASSERT_TRUE(PrintPage(*survey, 1, folder_.File("survey.png"), 200));
+  survey->Free();
+  // A picture: noise.
+  cv::Mat noise(2200, 1700, CV_8UC1);
+  cv::randu(noise, 0, 256);
+  ss::WriteGreyImage(folder_.File("noise.png"), noise, 200, false, 0);
+  testing::WriteFileBytes(folder_.File("broken.png"), "\x89PNG\r\n\x1a\nbroken");
+
+  for (const std::string name : {"survey.png", "noise.png", "broken.png", "missing.png"}) {
+    const FormRecord record = reader.Read({folder_.File(name)});
+    SCOPED_TRACE(name);
+    EXPECT_FALSE(record.pages[0].registered);
+    EXPECT_FALSE(record.pages[0].error.empty());
+    EXPECT_TRUE(record.NeedsReview());
+    for (const ItemAnswer& a : record.answers) {
+      EXPECT_EQ(a.status, AnswerStatus::Error);
+      EXPECT_EQ(a.value, "ERROR #");
+    }
+  }
+  EXPECT_EQ(reader.Read({}).answers.size(), 6u);
+  EXPECT_FALSE(reader.Read({}).error.empty());
+}
+
+}  // namespace
+}  // namespace xun::reading
