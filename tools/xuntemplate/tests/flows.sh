@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # End-to-end flows of the tool that take several steps:
-#   flows.sh FLOW TOOL EXAMPLES WORK [CHROMIUM CHECK_PNG]
-# FLOW is one of roundtrip, convert, image, render, print, checklines, register, batch, robust.
+#   flows.sh FLOW TOOL EXAMPLES WORK [CHROMIUM CHECK_PNG SYNTHSCAN]
+# FLOW is one of roundtrip, convert, image, render, print, checklines, register, read, batch,
+# robust.
 # WORK is emptied first.
 set -euo pipefail
-flow=$1 tool=$2 examples=$3 work=$4 chromium=${5:-} check_png=${6:-}
+flow=$1 tool=$2 examples=$3 work=$4 chromium=${5:-} check_png=${6:-} synthscan=${7:-}
 rm -rf "$work" && mkdir -p "$work" && cd "$work"
 
 fail() { echo "FAIL: $*" >&2; exit 1; }
@@ -232,6 +233,29 @@ checklines)
   sed 's/^plain.omr:[0-9]*:/archive.omr:/' plain.txt | sort >expected.txt
   sort archive.txt >found.txt
   cmp -s expected.txt found.txt || fail "archive warnings: $(diff expected.txt found.txt)"
+  ;;
+read)
+  # Three filled, turned scans of the exam and a file that is no image, read one at a time and
+  # two at a time: the same rows, in the order given, the broken file a row of its own.
+  for i in 1 2 3; do
+    "$synthscan" "$examples/exam.omr" --random $i --seed $i --dpi 150 --rotate 1.5 \
+      -o form$i.png >/dev/null || fail "synthscan could not make form$i.png"
+  done
+  printf 'not an image' >broken.png
+  "$tool" read "$examples/exam.omr" form1.png broken.png form2.png form3.png -o one.csv \
+    --json one.jsonl -j 1 >out.txt || fail "read -j 1: $(cat out.txt)"
+  "$tool" read "$examples/exam.omr" form1.png broken.png form2.png form3.png -o two.csv \
+    -j 2 >/dev/null || fail "read -j 2 failed"
+  cmp -s one.csv two.csv || fail "read -j 2 gave other rows than -j 1"
+  [[ $(head -1 one.csv | tr -d '\r') == \
+    "form,status,message,Student,Answers_1,Answers_2,Answers_3,Answers_4,Answers_5" ]] ||
+    fail "read: header $(head -1 one.csv)"
+  [[ $(wc -l <one.csv) == 5 ]] || fail "read: $(cat one.csv)"
+  [[ $(sed -n 3p one.csv) == "broken.png,error,\"page 1: not a TIFF, PNG, JPEG, PCX or DCX"* ]] ||
+    fail "read: the broken file's row is $(sed -n 3p one.csv)"
+  [[ $(grep -c '"status":"error"' one.jsonl) == 1 ]] || fail "read: $(cat one.jsonl)"
+  [[ $(grep -c '"registered":true' one.jsonl) == 3 ]] || fail "read: $(cat one.jsonl)"
+  grep -q "^one.csv: 4 forms, [0-9] to review, 1 not read$" out.txt || fail "read: $(cat out.txt)"
   ;;
 register)
   cp "$examples/scanned.omr" scanned.omr
