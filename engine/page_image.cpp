@@ -91,9 +91,6 @@ std::unique_ptr<PageImage> PageImage::FromGrey(cv::Mat grey, int xdpi, int ydpi)
   page->xdpi_ = xdpi;
   page->ydpi_ = ydpi;
   page->dark_ = Binarise(page->grey_, std::max(xdpi, ydpi));
-  cv::Mat ones;
-  cv::bitwise_and(page->dark_, cv::Scalar(1), ones);
-  cv::integral(ones, page->integral_, CV_32S);
   return page;
 }
 
@@ -113,6 +110,11 @@ cv::Rect PageImage::Pixels(const UnitRect& rect) const {
 int64_t PageImage::DarkCount(const cv::Rect& pixels) const {
   const cv::Rect r = pixels & cv::Rect(cv::Point(0, 0), Size());
   if (r.empty()) return 0;
+  std::call_once(integral_made_, [this] {
+    cv::Mat ones;
+    cv::bitwise_and(dark_, cv::Scalar(1), ones);
+    cv::integral(ones, integral_, CV_32S);
+  });
   const auto at = [&](int y, int x) { return static_cast<int64_t>(integral_.at<int32_t>(y, x)); };
   return at(r.y + r.height, r.x + r.width) - at(r.y, r.x + r.width) - at(r.y + r.height, r.x) +
          at(r.y, r.x);

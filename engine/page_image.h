@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 
 #include "engine/image_file.h"
@@ -53,7 +54,10 @@ class PageImage {
   PageImage() = default;
 
   cv::Mat grey_, dark_;
-  cv::Mat integral_;  // CV_32S, (rows + 1) x (cols + 1), of dark pixels counted as 1
+  // CV_32S, (rows + 1) x (cols + 1), of dark pixels counted as 1: made at the first count, since
+  // a reader that only measures bubbles never needs its 4 bytes a pixel.
+  mutable cv::Mat integral_;
+  mutable std::once_flag integral_made_;
   int xdpi_ = 100, ydpi_ = 100;
 };
 
