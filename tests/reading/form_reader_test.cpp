@@ -119,6 +119,18 @@ TEST_F(FormReaderTest, ClearAnswersAreReadRightThroughEveryScanner) {
     SCOPED_TRACE(name);
     ASSERT_TRUE(record.pages[0].registered) << record.pages[0].error;
     EXPECT_LT(record.pages[0].fit_error, 1.0);
+    // Every printed bubble judged, none marked that the truth calls unmarked or the other way.
+    ASSERT_EQ(record.pages[0].bubbles.size(), scan.bubbles.size());
+    std::map<ss::BubbleAt, ss::Truth> truth;
+    for (const ss::BubbleTruth& b : scan.bubbles)
+      truth[b.at] = b.truth;
+    for (const BubbleReading& b : record.pages[0].bubbles) {
+      const ss::Truth t = truth[{b.region, b.row, b.col}];
+      if (t == ss::Truth::kMarked)
+        EXPECT_NE(b.state, MarkState::Unmarked) << b.region << b.row << b.col;
+      if (t == ss::Truth::kUnmarked)
+        EXPECT_NE(b.state, MarkState::Marked) << b.region << b.row << b.col;
+    }
     std::map<std::string, ItemAnswer> answers = Answers(record);
     for (const auto& [item, value] : Expected(*exam_, scan)) {
       // A doubtful answer may be wrong: it goes to a person. Any other must be right.

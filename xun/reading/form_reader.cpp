@@ -160,8 +160,12 @@ FormRecord FormReader::Read(const std::vector<std::string>& images) const {
           page.model = fit->model;
           page.fit_error = fit->error;
           page.bubbles_found = fit->found;
-          for (const int16_t net : NetFills(*image, *fit, plan))
-            reads.push_back(Judge(net, thresholds_));
+          const std::vector<int16_t> nets = NetFills(*image, *fit, plan);
+          for (size_t i = 0; i < nets.size(); ++i) {
+            reads.push_back(Judge(nets[i], thresholds_));
+            page.bubbles.push_back({plan.ids[i].region, plan.ids[i].row, plan.ids[i].col, nets[i],
+                                    reads.back().state});
+          }
           read = true;
         }
       } catch (const xunrec::EngineError& e) {

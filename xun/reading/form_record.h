@@ -20,6 +20,14 @@ struct ItemAnswer {
   std::string why;
 };
 
+// How one bubble was judged.
+struct BubbleReading {
+  std::string region;        // the region's name
+  int32_t row = 0, col = 0;  // in its grid, from 1
+  int16_t fill = 0;          // net fill in percent
+  MarkState state = MarkState::Unmarked;
+};
+
 // How one page of the form was read.
 struct PageReading {
   int32_t page = 0;   // the template page, from 1
@@ -28,7 +36,8 @@ struct PageReading {
   std::string model;     // the fit that registered it: similarity, affine or perspective
   double fit_error = 0;  // root mean square, in 1/100 inch
   int32_t bubbles_found = 0, bubbles_printed = 0;
-  std::string error;  // why it could not be read; empty when it was
+  std::string error;                   // why it could not be read; empty when it was
+  std::vector<BubbleReading> bubbles;  // every printed bubble, when the page was read
 };
 
 struct XUN_READING_API FormRecord {

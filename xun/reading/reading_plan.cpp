@@ -77,6 +77,7 @@ ReadingPlan PlanOf(const clsXUNTemplate& form) {
           out.printed.centres.push_back({(b.Left + b.Right) / 2.0, (b.Top + b.Bottom) / 2.0});
           out.printed.sizes.push_back(
               {static_cast<double>(b.Right - b.Left), static_cast<double>(b.Bottom - b.Top)});
+          out.ids.push_back({field->FieldName(), r, c});
         }
       // Blank fills come row by row; bubbles are kept column by column, as the engine keeps them.
       const std::vector<int16_t> blanks = BlankFills(*field, grid);

@@ -21,11 +21,18 @@ struct ItemPlan {
   int32_t rank_group = -1;  // the region of a rank question: duplicates are looked for within it
 };
 
+// Which bubble a printed bubble is: its region's name and its grid row and column.
+struct BubbleId {
+  std::string region;
+  int32_t row = 0, col = 0;
+};
+
 struct PagePlan {
   PrintedBubbles printed;
   // The bubbles of each OMR region lie together in `printed`: its first and how many.
   std::vector<std::pair<int, int>> regions;
   std::vector<int16_t> blank_fills;  // of each printed bubble, from the registration (0 without)
+  std::vector<BubbleId> ids;         // of each printed bubble
   std::vector<ItemPlan> items;
 };
 
