@@ -100,8 +100,11 @@ int main(int argc, char** argv) {
     }
     if (record.NeedsReview()) ++sheets_to_review;
     std::map<std::tuple<std::string, int, int>, MarkState> judged;
-    for (const auto& b : record.pages[0].bubbles)
+    std::map<std::tuple<std::string, int, int>, int> fills;
+    for (const auto& b : record.pages[0].bubbles) {
       judged[{b.region, b.row, b.col}] = b.state;
+      fills[{b.region, b.row, b.col}] = b.fill;
+    }
     std::map<std::string, bool> item_ambiguous;
     std::map<std::string, bool> item_misjudged;
     for (const ss::BubbleTruth& b : scan.bubbles) {
@@ -109,6 +112,10 @@ int main(int argc, char** argv) {
       ++confusion[b.truth][state];
       const bool misjudged = (b.truth == ss::Truth::kMarked && state == MarkState::Unmarked) ||
                              (b.truth == ss::Truth::kUnmarked && state == MarkState::Marked);
+      if (b.truth != ss::Truth::kAmbiguous && state == MarkState::Doubtful)
+        std::printf("sheet %d (%d dpi, %s): %s %d,%d (%s, net fill %d) doubtful\n", i, dpi,
+                    scanner.c_str(), b.at.region.c_str(), b.at.row, b.at.col,
+                    ss::MarkName(b.mark).c_str(), fills[{b.at.region, b.at.row, b.at.col}]);
       if (misjudged)
         std::printf("sheet %d (%d dpi, %s): %s %d,%d (%s) judged the other way\n", i, dpi,
                     scanner.c_str(), b.at.region.c_str(), b.at.row, b.at.col,

@@ -12,7 +12,7 @@ namespace xun::reading {
 // bubble, light pencil, most of the bubble filled, a cross); between, doubtful.
 struct MarkThresholds {
   int16_t empty_below = 20;
-  int16_t marked_from = 45;
+  int16_t marked_from = 40;
 };
 
 // The judgement, with a confidence that grows with the distance from the thresholds.
