@@ -17,10 +17,8 @@ struct PrintArgs {
 void Print(const PrintArgs& args) {
   auto t = OpenTemplate(args.file, true);
   TemplateGuard guard(t);
+  RequirePage(*t, args.file, args.page);
   const int32_t pages = t->NumPages();
-  if (args.page < 1 || args.page > pages)
-    throw ToolError("xuntemplate: error: " + args.file + ": page " + std::to_string(args.page) +
-                    " does not exist (the template has " + Plural(pages, "page", "pages") + ")");
   LibrarySession session;
   if (!xun::PrintPage(*t, args.page, args.output, args.dpi))
     throw ToolError("xuntemplate: error: " + args.output + ": " +

@@ -86,10 +86,8 @@ std::string Complaint(const RegistrationNotes& notes, int32_t page_number,
 void Register(const RegisterArgs& args, int& status) {
   auto t = OpenTemplate(args.input, true);
   TemplateGuard guard(t);
+  if (args.page != 0) RequirePage(*t, args.input, args.page);
   const int32_t pages = t->NumPages();
-  if (args.page != 0 && (args.page < 1 || args.page > pages))
-    throw ToolError("xuntemplate: error: " + args.input + ": page " + std::to_string(args.page) +
-                    " does not exist (the template has " + Plural(pages, "page", "pages") + ")");
 
   // The printed grid first: registration writes the found offsets back into StartCol/StartRow.
   std::vector<std::vector<Before>> before;

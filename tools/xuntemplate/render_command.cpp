@@ -16,10 +16,8 @@ struct RenderArgs {
 void Render(const RenderArgs& args) {
   auto t = OpenTemplate(args.file, true);
   TemplateGuard guard(t);
+  RequirePage(*t, args.file, args.page);
   const int32_t pages = t->NumPages();
-  if (args.page < 1 || args.page > pages)
-    throw ToolError("xuntemplate: error: " + args.file + ": page " + std::to_string(args.page) +
-                    " does not exist (the template has " + Plural(pages, "page", "pages") + ")");
   std::vector<std::string> notes;
   const std::string svg = RenderPageSvg(*t, args.page, notes);
   WriteOutputFile(args.output, svg);

@@ -158,6 +158,13 @@ void RequireInputFile(const std::string& path) {
   if (!in) throw ToolError("xuntemplate: error: " + path + ": cannot be opened for reading");
 }
 
+void RequirePage(const xun::clsXUNTemplate& t, const std::string& file, int32_t page) {
+  const int32_t pages = t.NumPages();
+  if (page < 1 || page > pages)
+    throw ToolError("xuntemplate: error: " + file + ": page " + std::to_string(page) +
+                    " does not exist (the template has " + Plural(pages, "page", "pages") + ")");
+}
+
 std::shared_ptr<xun::clsXUNTemplate> OpenTemplate(const std::string& path, bool bForEdit) {
   RequireInputFile(path);
   auto t = xun::clsXUNTemplate::Create();

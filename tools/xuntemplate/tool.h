@@ -67,6 +67,9 @@ const char* FileKindName(FileKind kind);
 // Fails with a clear message unless `path` names a readable regular file.
 void RequireInputFile(const std::string& path);
 
+// Fails with a clear message unless page `page` (from 1) of the template read from `file` exists.
+void RequirePage(const xun::clsXUNTemplate& t, const std::string& file, int32_t page);
+
 // Reads a template. bForEdit true opens it as an editor would (also templates not valid for
 // reading); false as the form-reading program does. Fails with the library's own diagnostic.
 std::shared_ptr<xun::clsXUNTemplate> OpenTemplate(const std::string& path, bool bForEdit);
