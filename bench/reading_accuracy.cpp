@@ -14,6 +14,7 @@
 #include <random>
 #include <string>
 
+#include "common/expected_answers.h"
 #include "synthscan/image_files.h"
 #include "synthscan/printed_page.h"
 #include "synthscan/synthetic_scan.h"
@@ -78,7 +79,6 @@ int main(int argc, char** argv) {
 
   // confusion[truth][judgement]
   std::map<ss::Truth, std::map<MarkState, long>> confusion;
-  std::map<std::string, long> wrong_by_scanner;
   long answers = 0, right = 0, wrong_flagged = 0, wrong_silent = 0, flagged = 0, unread = 0;
   long sheets_to_review = 0;
   for (int i = 0; i < sheets; ++i) {
@@ -105,8 +105,6 @@ int main(int argc, char** argv) {
       judged[{b.region, b.row, b.col}] = b.state;
       fills[{b.region, b.row, b.col}] = b.fill;
     }
-    std::map<std::string, bool> item_ambiguous;
-    std::map<std::string, bool> item_misjudged;
     for (const ss::BubbleTruth& b : scan.bubbles) {
       const MarkState state = judged[{b.at.region, b.at.row, b.at.col}];
       ++confusion[b.truth][state];
@@ -121,51 +119,23 @@ int main(int argc, char** argv) {
                     scanner.c_str(), b.at.region.c_str(), b.at.row, b.at.col,
                     ss::MarkName(b.mark).c_str());
     }
-    // Answers: the exam's answer rows are one question each; the student number is its grid.
     // An answer is right when it is what the unambiguous marks give; it is checked only when
     // none of its bubbles is ambiguous.
+    const std::map<std::string, std::string> expected = xun::testing::ExpectedAnswers(*exam, scan);
     for (const auto& a : record.answers) {
       ++answers;
       const bool is_flagged = a.status == AnswerStatus::Doubtful || a.status == AnswerStatus::Error;
       if (is_flagged) ++flagged;
-      // The expected value from the truth, through the same rules as the reader's.
-      std::vector<std::vector<xun::reading::BubbleRead>> lines;
-      bool ambiguous = false;
-      for (const auto& field : *exam->Pages()->Item(1)->Fields()) {
-        if (field->RecognitionType() != xun::xunRecogTypeOMR) continue;
-        for (const auto& q : *field->Questions()) {
-          if (q->QuestionName() != a.name) continue;
-          int16_t r0 = 0, r1 = 0, c0 = 0, c1 = 0;
-          q->Plot(r0, r1, c0, c1);
-          const bool by_rows = field->Orient() == xun::xunOrientationTypeOMRRow;
-          for (int x = by_rows ? r0 : c0; x <= (by_rows ? r1 : c1); ++x) {
-            auto& line = lines.emplace_back();
-            for (int y = by_rows ? c0 : r0; y <= (by_rows ? c1 : r1); ++y) {
-              const int row = by_rows ? x : y, col = by_rows ? y : x;
-              ss::Truth t = ss::Truth::kUnmarked;
-              for (const ss::BubbleTruth& b : scan.bubbles)
-                if (b.at.region == field->FieldName() && b.at.row == row && b.at.col == col)
-                  t = b.truth;
-              ambiguous = ambiguous || t == ss::Truth::kAmbiguous;
-              line.push_back({t == ss::Truth::kMarked ? MarkState::Marked : MarkState::Unmarked,
-                              static_cast<int16_t>(t == ss::Truth::kMarked ? 90 : 0), 1.0});
-            }
-          }
-          const std::string expected =
-              xun::reading::AnswerOf(xun::reading::QuestionRules::Of(*q), lines).value;
-          if (!ambiguous && a.value == expected) {
-            ++right;
-          } else if (!ambiguous) {
-            if (is_flagged) {
-              ++wrong_flagged;
-            } else {
-              ++wrong_silent;
-              ++wrong_by_scanner[scanner];
-              std::printf("sheet %d (%d dpi, %s): %s read '%s', truth '%s', not flagged\n", i, dpi,
-                          scanner.c_str(), a.name.c_str(), a.value.c_str(), expected.c_str());
-            }
-          }
-        }
+      const auto it = expected.find(a.name);
+      if (it == expected.end()) continue;
+      if (a.value == it->second) {
+        ++right;
+      } else if (is_flagged) {
+        ++wrong_flagged;
+      } else {
+        ++wrong_silent;
+        std::printf("sheet %d (%d dpi, %s): %s read '%s', truth '%s', not flagged\n", i, dpi,
+                    scanner.c_str(), a.name.c_str(), a.value.c_str(), it->second.c_str());
       }
     }
   }

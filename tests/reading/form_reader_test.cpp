@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "common/expected_answers.h"
 #include "common/test_support.h"
 #include "synthscan/image_files.h"
 #include "synthscan/printed_page.h"
@@ -18,39 +19,6 @@ namespace xun::reading {
 namespace {
 
 namespace ss = xun::synthscan;
-
-// What the truth of the marks says each item must read: the library's own rules applied to the
-// bubbles as a careful person judges them (ambiguous ones doubtful). Items with an ambiguous
-// bubble may read either way and are left out.
-std::map<std::string, std::string> Expected(const clsXUNTemplate& form, const ss::Scan& scan) {
-  std::map<ss::BubbleAt, ss::Truth> truth;
-  for (const ss::BubbleTruth& b : scan.bubbles)
-    truth[b.at] = b.truth;
-  std::map<std::string, std::string> expected;
-  for (const auto& field : *form.Pages()->Item(scan.page)->Fields()) {
-    if (field->RecognitionType() != xunRecogTypeOMR) continue;
-    const bool by_rows = field->Orient() == xunOrientationTypeOMRRow;
-    for (const auto& question : *field->Questions()) {
-      if (question->ReturnIndex(true) <= 0) continue;
-      int16_t r0 = 0, r1 = 0, c0 = 0, c1 = 0;
-      if (!question->Plot(r0, r1, c0, c1)) continue;
-      std::vector<std::vector<BubbleRead>> lines;
-      bool ambiguous = false;
-      for (int a = by_rows ? r0 : c0; a <= (by_rows ? r1 : c1); ++a) {
-        auto& line = lines.emplace_back();
-        for (int b = by_rows ? c0 : r0; b <= (by_rows ? c1 : r1); ++b) {
-          const ss::Truth t = truth[{field->FieldName(), by_rows ? a : b, by_rows ? b : a}];
-          ambiguous = ambiguous || t == ss::Truth::kAmbiguous;
-          line.push_back({t == ss::Truth::kMarked ? MarkState::Marked : MarkState::Unmarked,
-                          static_cast<int16_t>(t == ss::Truth::kMarked ? 90 : 0), 1.0});
-        }
-      }
-      if (!ambiguous)
-        expected[question->QuestionName()] = AnswerOf(QuestionRules::Of(*question), lines).value;
-    }
-  }
-  return expected;
-}
 
 class FormReaderTest : public ::testing::Test {
  protected:
@@ -134,7 +102,7 @@ TEST_F(FormReaderTest, ClearAnswersAreReadRightThroughEveryScanner) {
       }
     }
     std::map<std::string, ItemAnswer> answers = Answers(record);
-    for (const auto& [item, value] : Expected(*exam_, scan)) {
+    for (const auto& [item, value] : testing::ExpectedAnswers(*exam_, scan)) {
       // A doubtful answer may be wrong: it goes to a person. Any other must be right.
       if (answers[item].status == AnswerStatus::Doubtful) continue;
       EXPECT_EQ(answers[item].value, value) << item;
