@@ -90,16 +90,20 @@ void PageSizeOf(const clsXUNTemplate& oTemplate, double& dWidth, double& dHeight
     std::swap(dWidth, dHeight);
 }
 
+void PrintedPageSize(const clsXUNTemplate& oTemplate, double& dWidth, double& dHeight) {
+  PageSizeOf(oTemplate, dWidth, dHeight);
+  if (!(dWidth > 0) || !(dHeight > 0)) {
+    dWidth = 850;
+    dHeight = 1100;
+  }
+}
+
 PageLayout LayoutOf(const clsXUNTemplate& oTemplate, int32_t iPage) {
   const auto pages = oTemplate.Pages();
   if (!pages || iPage < 1 || iPage > pages->Count()) Raise(kErrSubscript);
   const auto page = pages->Item(iPage);
   PageLayout layout;
-  PageSizeOf(oTemplate, layout.width, layout.height);
-  if (!(layout.width > 0) || !(layout.height > 0)) {
-    layout.width = 850;
-    layout.height = 1100;
-  }
+  PrintedPageSize(oTemplate, layout.width, layout.height);
   layout.image_file = page->ImageFile();
   layout.image_xdpi = page->XDPI();
   layout.image_ydpi = page->YDPI();

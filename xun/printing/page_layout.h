@@ -51,6 +51,9 @@ struct PageLayout {
 // landscape form whose size is given upright. Either may be 0 or less when it is not set.
 XUN_API void PageSizeOf(const clsXUNTemplate& oTemplate, double& dWidth, double& dHeight);
 
+// The size of the printed page: PageSizeOf, or Letter (850 x 1100) when that is not set.
+XUN_API void PrintedPageSize(const clsXUNTemplate& oTemplate, double& dWidth, double& dHeight);
+
 // The blank form of page iPage (1-based, which must exist): its timing marks, every OMR region's
 // bubbles where BubbleGrid places them with the choice of each inside, and an outline for every
 // other region with its name, on a page of Letter size when the template's size is not set. An

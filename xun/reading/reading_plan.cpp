@@ -52,11 +52,8 @@ std::vector<std::vector<std::pair<int, int>>> LinesOf(const clsXUNField& field,
 
 ReadingPlan PlanOf(const clsXUNTemplate& form) {
   ReadingPlan plan;
-  printing::PageSizeOf(form, plan.page_width, plan.page_height);
-  if (!(plan.page_width > 0) || !(plan.page_height > 0)) {
-    plan.page_width = 850;
-    plan.page_height = 1100;
-  }
+  // The scan is of the printed page.
+  printing::PrintedPageSize(form, plan.page_width, plan.page_height);
   if (!form.Pages()) return plan;
   for (const auto& page : *form.Pages()) {
     PagePlan& out = plan.pages.emplace_back();

@@ -37,7 +37,7 @@ struct PagePlan {
 };
 
 struct ReadingPlan {
-  double page_width = 850, page_height = 1100;  // page units
+  double page_width = 0, page_height = 0;  // the printed page, in page units
   std::vector<PagePlan> pages;
 };
 
