@@ -45,9 +45,11 @@ void SetMaxPixels(int64_t pixels) {
 cv::Mat DecodeGrey(const std::string& path) {
   try {
     const auto file = xun::imagefile::ImageFile::Open(path, {MaxPixels()});
-    const xun::imagefile::DecodedPage page = file.Decode(0);
-    cv::Mat grey(page.Height(), page.Width(), CV_8UC1);
-    page.ReadGrey({0, 0, page.Width(), page.Height()}, grey.data, grey.step);
+    cv::Mat grey;
+    file.DecodeGrey(0, [&grey](int32_t width, int32_t height) {
+      grey.create(height, width, CV_8UC1);
+      return xun::imagefile::GreyRows{grey.data, grey.step};
+    });
     return grey;
   } catch (const DecodeError& e) {
     throw EngineError(CodeOf(e.Failure()));

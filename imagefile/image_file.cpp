@@ -12,6 +12,7 @@
 #include "imagefile/decode_error.h"
 #include "imagefile/file_format.h"
 #include "imagefile/frames.h"
+#include "imagefile/grey_readers.h"
 #include "imagefile/magick.h"
 
 namespace xun::imagefile {
@@ -79,14 +80,7 @@ ImageList Read(std::string_view bytes, const char* format, unsigned long first, 
 }
 
 void CheckSize(const Image& frame, const Limits& limits) {
-  if (frame.columns == 0 || frame.rows == 0)
-    throw DecodeError(DecodeFailure::kNotAnImage, "empty image");
-  if (frame.columns > static_cast<unsigned long>(kMaxSide) ||
-      frame.rows > static_cast<unsigned long>(kMaxSide) ||
-      static_cast<int64_t>(frame.columns) * static_cast<int64_t>(frame.rows) > limits.max_pixels)
-    throw DecodeError(DecodeFailure::kTooLarge, std::to_string(frame.columns) + " x " +
-                                                    std::to_string(frame.rows) +
-                                                    " pixels is too large");
+  CheckPageSize(static_cast<int64_t>(frame.columns), static_cast<int64_t>(frame.rows), limits);
 }
 
 }  // namespace
@@ -134,6 +128,16 @@ DecodedPage ImageFile::Decode(int32_t index) const {
       TransformColorspace(frames->page, RGBColorspace) != MagickPass)
     throw DecodeError(DecodeFailure::kNotAnImage, "the colours cannot be converted");
   return DecodedPage(std::move(frames));
+}
+
+void ImageFile::DecodeGrey(int32_t index, const GreyTarget& target) const {
+  if (index == 0) {
+    if (std::strcmp(format_, "PNG") == 0 && ReadPngGrey(bytes_, limits_, target)) return;
+    if (std::strcmp(format_, "JPEG") == 0 && ReadJpegGrey(bytes_, limits_, target)) return;
+  }
+  const DecodedPage page = Decode(index);
+  const GreyRows rows = target(page.Width(), page.Height());
+  page.ReadGrey({0, 0, page.Width(), page.Height()}, rows.first, rows.stride);
 }
 
 }  // namespace xun::imagefile

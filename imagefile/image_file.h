@@ -7,6 +7,7 @@
 #include <string>
 
 #include "imagefile/decoded_page.h"
+#include "imagefile/grey_target.h"
 #include "imagefile/limits.h"
 
 namespace xun::imagefile {
@@ -25,6 +26,11 @@ class ImageFile {
   // allows. kNoSuchPage when the file has no such page; kNotAnImage when the decoder fails or
   // warns of a damaged file.
   DecodedPage Decode(int32_t index) const;
+
+  // Page `index` as 8-bit grey into the caller's buffer, the grey DecodedPage::ReadGrey gives,
+  // with the same refusals. PNG and JPEG are read row by row by their own libraries
+  // (grey_readers.h), a byte a pixel; other formats through the image library.
+  void DecodeGrey(int32_t index, const GreyTarget& target) const;
 
  private:
   ImageFile(std::string bytes, const char* format, const Limits& limits)
