@@ -44,22 +44,28 @@ DecodeError NoSuchPage(int32_t index) {
 // A DCX file is a table of up to 1023 offsets (ending with 0) to whole PCX files. Page `index`
 // is the PCX its offset points to, up to the next page's offset (or the end of the file), where an
 // 8-bit PCX keeps its palette. Decoded alone, so no page before it is ever decoded.
-std::string_view DcxPage(std::string_view bytes, int32_t index) {
-  constexpr size_t kMaxPages = 1023;
-  const auto offset = [&](size_t entry) -> uint32_t {
-    const size_t at = 4 + 4 * entry;
-    if (entry >= kMaxPages || at + 4 > bytes.size()) return 0;
-    uint32_t value = 0;
-    for (int byte = 3; byte >= 0; --byte)
-      value = value << 8 | static_cast<uint8_t>(bytes[at + static_cast<size_t>(byte)]);
-    return value;
-  };
+constexpr size_t kMaxDcxPages = 1023;
+
+uint32_t DcxOffset(std::string_view bytes, size_t entry) {
+  const size_t at = 4 + 4 * entry;
+  if (entry >= kMaxDcxPages || at + 4 > bytes.size()) return 0;
+  uint32_t value = 0;
+  for (int byte = 3; byte >= 0; --byte)
+    value = value << 8 | static_cast<uint8_t>(bytes[at + static_cast<size_t>(byte)]);
+  return value;
+}
+
+size_t DcxPageCount(std::string_view bytes) {
   size_t pages = 0;
-  while (offset(pages) != 0)
+  while (DcxOffset(bytes, pages) != 0)
     ++pages;
+  return pages;
+}
+
+std::string_view DcxPage(std::string_view bytes, int32_t index) {
   const auto wanted = static_cast<size_t>(index);
-  if (wanted >= pages) throw NoSuchPage(index);
-  const size_t from = offset(wanted), next = offset(wanted + 1);
+  if (wanted >= DcxPageCount(bytes)) throw NoSuchPage(index);
+  const size_t from = DcxOffset(bytes, wanted), next = DcxOffset(bytes, wanted + 1);
   if (from >= bytes.size())
     throw DecodeError(DecodeFailure::kNotAnImage, "a page lies beyond the end of the file");
   const size_t to = next > from && next <= bytes.size() ? next : bytes.size();
@@ -93,6 +99,13 @@ ImageFile ImageFile::Open(const std::string& path, const Limits& limits) {
   Limits checked = limits;
   checked.max_pixels = std::min(checked.max_pixels, kMaxPixels);
   return ImageFile(std::move(bytes), format, checked);
+}
+
+int32_t ImageFile::PageCount() const {
+  if (std::strcmp(format_, "DCX") == 0) return static_cast<int32_t>(DcxPageCount(bytes_));
+  if (std::strcmp(format_, "TIFF") != 0) return 1;
+  const ImageList frames = Read(bytes_, format_, 0, 0, true);  // a range of 0: every page
+  return static_cast<int32_t>(GetImageListLength(frames.get()));
 }
 
 DecodedPage ImageFile::Decode(int32_t index) const {

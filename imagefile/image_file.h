@@ -21,6 +21,10 @@ class ImageFile {
   // "TIFF", "PNG", "JPEG", "PCX" or "DCX".
   const char* Format() const noexcept { return format_; }
 
+  // How many pages the file holds: those of a TIFF or DCX, 1 for the other formats. A TIFF's
+  // page headers are read for it, no pixel. kNotAnImage when they cannot be read.
+  int32_t PageCount() const;
+
   // Page `index` (0-based). Its size is read first (header only) and refused when it is empty
   // (kNotAnImage) or over the limits (kTooLarge); only then is it decoded, alone where the format
   // allows. kNoSuchPage when the file has no such page; kNotAnImage when the decoder fails or

@@ -124,11 +124,17 @@ int32_t FormReader::NumPages() const {
 }
 
 FormRecord FormReader::Read(const std::vector<std::string>& images) const {
+  return ReadPages(PagesOf(images));
+}
+
+FormRecord FormReader::ReadPages(const std::vector<ScanPage>& images) const {
   FormRecord record;
-  record.images = images;
+  for (const ScanPage& scan : images)
+    if (record.images.empty() || record.images.back() != scan.file)
+      record.images.push_back(scan.file);
   if (images.size() != plan_->pages.size())
-    record.error = std::to_string(images.size()) + (images.size() == 1 ? " image" : " images") +
-                   " for a form of " + std::to_string(plan_->pages.size()) +
+    record.error = std::to_string(images.size()) + (images.size() == 1 ? " page" : " pages") +
+                   " scanned for a form of " + std::to_string(plan_->pages.size()) +
                    (plan_->pages.size() == 1 ? " page" : " pages");
   for (size_t p = 0; p < plan_->pages.size(); ++p) {
     const PagePlan& plan = plan_->pages[p];
@@ -140,9 +146,10 @@ FormRecord FormReader::Read(const std::vector<std::string>& images) const {
     if (p >= images.size()) {
       page.error = "no image for this page";
     } else {
-      page.image = images[p];
+      page.image = images[p].file;
+      page.frame = images[p].frame;
       try {
-        cv::Mat grey = xunrec::DecodeGrey(images[p]);
+        cv::Mat grey = xunrec::DecodeGrey(images[p].file, images[p].frame);
         // The resolution is the page's size on the image: a scan is the whole page, whatever
         // resolution its file claims (the fit takes up a few percent of difference).
         const double xdpi = grey.cols * 100.0 / plan_->page_width;
