@@ -4,7 +4,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -31,8 +30,11 @@ std::string ReadBytes(const std::string& path) {
     throw DecodeError(DecodeFailure::kTooLarge, "the file is larger than 256 MB");
   std::ifstream in(path, std::ios::binary);
   if (!in) throw not_found();
-  std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  if (in.bad()) throw DecodeError(DecodeFailure::kReadFailed, "the file could not be read");
+  // In one read: a scan is megabytes, and a character at a time costs a tenth of decoding it.
+  std::string bytes(static_cast<size_t>(size), '\0');
+  in.read(bytes.data(), static_cast<std::streamsize>(size));
+  if (in.bad() || in.gcount() != static_cast<std::streamsize>(size))
+    throw DecodeError(DecodeFailure::kReadFailed, "the file could not be read");
   return bytes;
 }
 

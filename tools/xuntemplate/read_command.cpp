@@ -61,6 +61,7 @@ void Read(const ReadArgs& args) {
   const size_t jobs = std::clamp<size_t>(
       args.jobs > 0 ? static_cast<size_t>(args.jobs) : std::thread::hardware_concurrency(), 1,
       std::max<size_t>(forms.size(), 1));
+  xun::reading::SetImageThreads(1);  // the forms are spread over the cores instead
   std::vector<xun::reading::FormRecord> records(forms.size());
   std::atomic<size_t> next{0};
   Progress progress(forms.size());

@@ -4,13 +4,12 @@
 #include <exception>
 #include <map>
 
-#include "engine/bubble_fill.h"
 #include "engine/engine_error.h"
 #include "engine/grid_check.h"
 #include "engine/image_file.h"
-#include "engine/page_image.h"
 #include "engine/xunrec.h"
 #include "xun/reading/reading_plan.h"
+#include "xun/reading/scanned_page.h"
 
 namespace xun::reading {
 namespace {
@@ -34,18 +33,18 @@ std::string EngineMessage(int16_t code) {
 
 // Every printed bubble's net fill on the registered scan: its fill where the fit puts it, less
 // the fill of the blank printed bubble.
-std::vector<int16_t> NetFills(const xunrec::PageImage& image, const detail::PageFit& fit,
+std::vector<int16_t> NetFills(const detail::ScannedPage& page, const detail::PageFit& fit,
                               const PagePlan& plan) {
   std::vector<int16_t> fills(plan.printed.centres.size(), 0);
   for (const auto& [first, count] : plan.regions) {
-    xunrec::Grid grid;
     const cv::Point2d middle = plan.printed.centres[static_cast<size_t>(first)];
     const cv::Size2d per_unit = fit.ScaleAt(middle);
     const cv::Size2d size = plan.printed.sizes[static_cast<size_t>(first)];
-    grid.bubble = cv::Size2d(size.width * per_unit.width, size.height * per_unit.height);
+    std::vector<cv::Point2d> centres;
     for (int i = first; i < first + count; ++i)
-      grid.bubble_centres.push_back(fit.Map(plan.printed.centres[static_cast<size_t>(i)]));
-    const std::vector<int16_t> region = xunrec::FillPercents(image, grid);
+      centres.push_back(fit.Map(plan.printed.centres[static_cast<size_t>(i)]));
+    const std::vector<int16_t> region = page.FillPercents(
+        centres, cv::Size2d(size.width * per_unit.width, size.height * per_unit.height));
     for (int i = 0; i < count; ++i) {
       const size_t at = static_cast<size_t>(first + i);
       fills[at] =
@@ -105,6 +104,10 @@ void AnswerItems(const PagePlan& plan, int32_t page, const std::vector<BubbleRea
 
 }  // namespace
 
+void SetImageThreads(int threads) {
+  cv::setNumThreads(threads > 0 ? threads : -1);
+}
+
 bool FormRecord::NeedsReview() const {
   if (!error.empty()) return true;
   for (const PageReading& page : pages)
@@ -154,12 +157,14 @@ FormRecord FormReader::ReadPages(const std::vector<ScanPage>& images) const {
         // resolution its file claims (the fit takes up a few percent of difference).
         const double xdpi = grey.cols * 100.0 / plan_->page_width;
         const double ydpi = grey.rows * 100.0 / plan_->page_height;
-        const auto image =
-            xunrec::PageImage::FromGrey(std::move(grey), std::max(1, static_cast<int>(xdpi + 0.5)),
-                                        std::max(1, static_cast<int>(ydpi + 0.5)));
+        const detail::ScannedPage scanned(
+            std::move(grey), std::max(1, static_cast<int>(std::max(xdpi, ydpi) + 0.5)));
+        // The bubbles are found on the small copy; the fit is then taken to the whole page.
+        const int f = scanned.Factor();
         std::string why;
-        const auto fit =
-            detail::FitPage(image->Dark(), xdpi, ydpi, plan.printed, detail::FitLimits{}, why);
+        auto fit = detail::FitPage(scanned.SmallDark(), xdpi / f, ydpi / f, plan.printed,
+                                   detail::FitLimits{}, why);
+        if (fit) fit->transform = cv::Matx33d(f, 0, 0, 0, f, 0, 0, 0, 1) * fit->transform;
         if (!fit) {
           page.error = "not registered: " + why;
         } else {
@@ -167,7 +172,7 @@ FormRecord FormReader::ReadPages(const std::vector<ScanPage>& images) const {
           page.model = fit->model;
           page.fit_error = fit->error;
           page.bubbles_found = fit->found;
-          const std::vector<int16_t> nets = NetFills(*image, *fit, plan);
+          const std::vector<int16_t> nets = NetFills(scanned, *fit, plan);
           for (size_t i = 0; i < nets.size(); ++i) {
             reads.push_back(Judge(nets[i], thresholds_));
             page.bubbles.push_back({plan.ids[i].region, plan.ids[i].row, plan.ids[i].col, nets[i],

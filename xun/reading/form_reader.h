@@ -18,6 +18,11 @@ namespace detail {
 struct ReadingPlan;
 }
 
+// How many threads the image work of one form may use (OpenCV's own; 0 for its default, every
+// core). A host that reads several forms at once, one a thread, sets 1: the forms keep the cores
+// busy, and a form's work split over them as well only makes the threads wait for each other.
+XUN_READING_API void SetImageThreads(int threads);
+
 class XUN_READING_API FormReader {
  public:
   // Takes from the template all that reading needs, once: the reader does not touch the template
