@@ -7,7 +7,9 @@
 // judged the other way, or a wrong answer is not flagged.
 #include <opencv2/core.hpp>
 
+#include <unistd.h>
 #include <algorithm>
+
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -74,8 +76,9 @@ int main(int argc, char** argv) {
   if (!exam->Read(std::string(XUN_EXAMPLES_DIR) + "/exam.omr")) return 2;
   const xun::reading::FormReader reader(*exam);
   std::map<int, cv::Mat> printed;
-  const std::string file =
-      (std::filesystem::temp_directory_path() / "xun-reading-accuracy.png").string();
+  const std::string file = (std::filesystem::temp_directory_path() /
+                            ("xun-reading-accuracy-" + std::to_string(getpid()) + ".png"))
+                               .string();
   std::mt19937 random(2026);
 
   // confusion[truth][judgement]

@@ -78,6 +78,7 @@ std::string ResultsJsonLines(const std::vector<FormRecord>& records) {
       p["image"] = page.image;
       p["registered"] = page.registered;
       if (page.registered) {
+        p["registered_by"] = page.registered_by;
         p["model"] = page.model;
         p["fit_error"] = Rounded(page.fit_error);
       }

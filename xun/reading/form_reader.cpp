@@ -8,6 +8,7 @@
 #include "engine/grid_check.h"
 #include "engine/image_file.h"
 #include "engine/xunrec.h"
+#include "xun/reading/page_registration.h"
 #include "xun/reading/reading_plan.h"
 #include "xun/reading/scanned_page.h"
 
@@ -159,19 +160,18 @@ FormRecord FormReader::ReadPages(const std::vector<ScanPage>& images) const {
         const double ydpi = grey.rows * 100.0 / plan_->page_height;
         const detail::ScannedPage scanned(
             std::move(grey), std::max(1, static_cast<int>(std::max(xdpi, ydpi) + 0.5)));
-        // The bubbles are found on the small copy; the fit is then taken to the whole page.
-        const int f = scanned.Factor();
         std::string why;
-        auto fit = detail::FitPage(scanned.SmallDark(), xdpi / f, ydpi / f, plan.printed,
-                                   detail::FitLimits{}, why);
-        if (fit) fit->transform = cv::Matx33d(f, 0, 0, 0, f, 0, 0, 0, 1) * fit->transform;
-        if (!fit) {
+        const auto registration = detail::RegisterPage(scanned, xdpi, ydpi, plan, why);
+        if (!registration) {
           page.error = "not registered: " + why;
         } else {
+          const detail::PageFit* fit = &registration->fit;
+          page.registered_by = registration->by;
           page.registered = true;
           page.model = fit->model;
           page.fit_error = fit->error;
           page.bubbles_found = fit->found;
+          page.bubbles_printed = fit->printed;
           const std::vector<int16_t> nets = NetFills(scanned, *fit, plan);
           for (size_t i = 0; i < nets.size(); ++i) {
             reads.push_back(Judge(nets[i], thresholds_));

@@ -34,8 +34,10 @@ struct PageReading {
   std::string image;  // the file it was read from
   int32_t frame = 0;  // the page within that file, from 0 (a multi-page TIFF holds several)
   bool registered = false;
-  std::string model;     // the fit that registered it: similarity, affine or perspective
-  double fit_error = 0;  // root mean square, in 1/100 inch
+  std::string registered_by;  // the printed shapes that placed it: bubbles or timing marks
+  std::string model;          // the fit that registered it: similarity, affine or perspective
+  double fit_error = 0;       // root mean square, in 1/100 inch
+  // The printed shapes it was registered by (bubbles, or timing marks) found, and printed.
   int32_t bubbles_found = 0, bubbles_printed = 0;
   std::string error;                   // why it could not be read; empty when it was
   std::vector<BubbleReading> bubbles;  // every printed bubble, when the page was read

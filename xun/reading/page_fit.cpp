@@ -16,10 +16,6 @@ namespace {
 constexpr double kPi = 3.14159265358979323846;
 // A printed bubble is found when a bubble-shaped blob lies within this share of its width.
 constexpr double kMatchShare = 0.35;
-// At least this share of the printed bubbles must be found for the page to be this form. A page
-// of this form shows nearly all (the fewest seen on the generator's scans: 98.8%); a long grid
-// placed a few rows off, as a page fed upside down or another form may be, still finds 75%.
-constexpr double kFoundShare = 0.85;
 // Scales tried between the nominal and the largest change.
 constexpr int kScaleSteps = 2;
 // How far a turn of the page about a point other than its middle moves it, in page units: up to
@@ -140,8 +136,9 @@ std::vector<cv::Point2d> Candidates(const cv::Mat& dark, cv::Point2d scale,
 }
 
 // The turn of the rows of blobs: the median direction from each blob to its nearest neighbour
-// on the right.
-double RowAngle(const std::vector<cv::Point2d>& blobs, const Buckets& buckets, double reach) {
+// on the right. Nothing when there are no rows (timing marks down one edge).
+std::optional<double> RowAngle(const std::vector<cv::Point2d>& blobs, const Buckets& buckets,
+                               double reach) {
   std::vector<double> angles;
   for (const cv::Point2d& p : blobs) {
     double best = reach, angle = 0;
@@ -158,7 +155,8 @@ double RowAngle(const std::vector<cv::Point2d>& blobs, const Buckets& buckets, d
     });
     if (found) angles.push_back(angle);
   }
-  return angles.size() >= 3 ? Median(angles) : 0.0;
+  if (angles.size() < 3) return std::nullopt;
+  return Median(angles);
 }
 
 struct Placement {
@@ -312,10 +310,12 @@ std::optional<PageFit> FitPage(const cv::Mat& dark, double xdpi, double ydpi,
   }
   const cv::Point2d scale(xdpi / 100.0, ydpi / 100.0);
   const std::vector<cv::Point2d> blobs = Candidates(dark, scale, printed, limits);
-  const int needed = std::max(3, static_cast<int>(std::ceil(kFoundShare * printed.centres.size())));
+  const int needed =
+      std::max(3, static_cast<int>(std::ceil(limits.found_share * printed.centres.size() - 1e-9)));
   if (static_cast<int>(blobs.size()) < needed) {
-    why = "only " + std::to_string(blobs.size()) + " bubble-like marks where the form has " +
-          std::to_string(printed.centres.size()) + " bubbles: not this form, or a blank page";
+    why = "only " + std::to_string(blobs.size()) + " shapes like the form's " +
+          std::to_string(printed.centres.size()) + " " + printed.noun +
+          ": not this form, or a blank page";
     return std::nullopt;
   }
   std::vector<double> heights;
@@ -329,25 +329,32 @@ std::optional<PageFit> FitPage(const cv::Mat& dark, double xdpi, double ydpi,
 
   const cv::Point2d centre(dark.cols / scale.x / 2, dark.rows / scale.y / 2);
 
-  // The turn, from the rows of blobs; then every scale in the limits, each with its best shift.
+  // The turn, from the rows of blobs (and square, in case they are not turned at all); without
+  // rows, every turn in the limits a quarter of a degree apart. Then every scale in the limits,
+  // each with its best shift.
   const double max_angle = limits.max_degrees * kPi / 180;
-  const double row_angle =
-      std::clamp(RowAngle(blobs, buckets, 4 * bubble_px * 2), -max_angle, max_angle);
+  std::vector<double> angles;
+  if (const auto row_angle = RowAngle(blobs, buckets, 4 * bubble_px * 2)) {
+    angles.push_back(std::clamp(*row_angle, -max_angle, max_angle));
+    if (angles[0] != 0.0) angles.push_back(0.0);
+  } else {
+    const double step = 0.25 * kPi / 180;
+    for (double a = -max_angle; a <= max_angle + 1e-9; a += step)
+      angles.push_back(a);
+  }
   Placement best;
-  for (const double angle : {row_angle, 0.0}) {
+  for (const double angle : angles)
     for (int step = -kScaleSteps; step <= kScaleSteps; ++step) {
       const double k = 1 + limits.max_scale_change * step / kScaleSteps;
       const Placement placement = BestShift(angle, k, scale, centre, printed, blobs, buckets,
                                             reach_px, std::max(1.0, bubble_px / 2));
       if (placement.found > best.found) best = placement;
     }
-    if (row_angle == 0.0) break;
-  }
   if (best.found < needed) {
     why = "only " + std::to_string(best.found) + " of the form's " +
-          std::to_string(printed.centres.size()) +
-          " bubbles lie where any placement of the page puts them: not this form, or a page of "
-          "another one";
+          std::to_string(printed.centres.size()) + " " + printed.noun +
+          " lie where any placement of the page puts them: not this form, or a page of another "
+          "one";
     return std::nullopt;
   }
 
@@ -403,7 +410,7 @@ std::optional<PageFit> FitPage(const cv::Mat& dark, double xdpi, double ydpi,
   fit.error = RmsUnits(fit.transform, from, to, scale);
   if (fit.found < needed) {
     why = "the page could not be fitted: only " + std::to_string(fit.found) + " of " +
-          std::to_string(fit.printed) + " bubbles where the fit puts them";
+          std::to_string(fit.printed) + " " + printed.noun + " where the fit puts them";
     return std::nullopt;
   }
   return fit;

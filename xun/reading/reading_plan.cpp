@@ -57,6 +57,18 @@ ReadingPlan PlanOf(const clsXUNTemplate& form) {
   if (!form.Pages()) return plan;
   for (const auto& page : *form.Pages()) {
     PagePlan& out = plan.pages.emplace_back();
+    out.drop_out = page->DropOutColor() != xunTemplateDropOutColorNone;
+    out.marks.noun = "timing marks";
+    using Kind = printing::PrintedShape::Kind;
+    for (const printing::PrintedShape& shape :
+         printing::LayoutOf(form, static_cast<int32_t>(plan.pages.size())).shapes)
+      if (shape.kind == Kind::Solid) {
+        const cv::Rect2d mark(shape.left, shape.top, shape.right - shape.left,
+                              shape.bottom - shape.top);
+        out.marks.centres.push_back((mark.tl() + mark.br()) * 0.5);
+        out.marks.sizes.push_back(mark.size());
+        out.marks.areas.push_back(mark);
+      }
     if (!page->Fields()) continue;
     // Where each region's bubbles start among the page's printed bubbles.
     std::map<const clsXUNField*, int> first_of;

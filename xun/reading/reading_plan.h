@@ -34,6 +34,10 @@ struct PagePlan {
   std::vector<int16_t> blank_fills;  // of each printed bubble, from the registration (0 without)
   std::vector<BubbleId> ids;         // of each printed bubble
   std::vector<ItemPlan> items;
+  // The page's timing marks, as printed; and whether its bubbles are printed in a drop-out ink
+  // the scanner does not see, so the marks are what registers it.
+  PrintedBubbles marks;
+  bool drop_out = false;
 };
 
 struct ReadingPlan {
