@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <exception>
+#include <filesystem>
 #include <map>
+#include <optional>
 
 #include "engine/bubble_fill.h"
 #include "engine/engine_error.h"
@@ -11,6 +13,8 @@
 #include "engine/page_image.h"
 #include "engine/xunrec.h"
 #include "xun/reading/reading_plan.h"
+#include "xun/reading/region_image.h"
+#include "xun/reading/region_reading.h"
 
 namespace xun::reading {
 namespace {
@@ -56,11 +60,20 @@ std::vector<int16_t> NetFills(const xunrec::PageImage& image, const detail::Page
 }
 
 void AnswerItems(const PagePlan& plan, int32_t page, const std::vector<BubbleRead>* reads,
+                 const std::vector<std::vector<detail::RegionValue>>& regions,
                  const std::string& why, std::vector<ItemAnswer>& answers) {
   std::vector<AnswerValue> values;
+  std::vector<std::string> clips(plan.items.size());
   for (const detail::ItemPlan& item : plan.items) {
     if (!reads) {
       values.push_back(ErrorAnswer(item.rules, why));
+      continue;
+    }
+    if (item.region >= 0 && static_cast<size_t>(item.region) < regions.size() &&
+        static_cast<size_t>(item.part) < regions[static_cast<size_t>(item.region)].size()) {
+      const auto& value = regions[static_cast<size_t>(item.region)][static_cast<size_t>(item.part)];
+      clips[values.size()] = value.clip;
+      values.push_back(detail::AnswerFrom(item.rules, value));
       continue;
     }
     if (item.lines.empty()) {
@@ -99,8 +112,14 @@ void AnswerItems(const PagePlan& plan, int32_t page, const std::vector<BubbleRea
     answer.status = values[i].status;
     answer.confidence = values[i].confidence;
     answer.why = std::move(values[i].why);
+    answer.clip = std::move(clips[i]);
     answers.push_back(std::move(answer));
   }
+}
+
+// What names a form's clips: its first image's name without folder or extension.
+std::string ClipStem(const std::string& image) {
+  return std::filesystem::path(image).stem().string();
 }
 
 }  // namespace
@@ -114,8 +133,10 @@ bool FormRecord::NeedsReview() const {
   });
 }
 
-FormReader::FormReader(const clsXUNTemplate& form, MarkThresholds thresholds)
-    : plan_(std::make_unique<detail::ReadingPlan>(detail::PlanOf(form))), thresholds_(thresholds) {}
+FormReader::FormReader(const clsXUNTemplate& form, MarkThresholds thresholds, ReadOptions options)
+    : plan_(std::make_unique<detail::ReadingPlan>(detail::PlanOf(form))),
+      thresholds_(thresholds),
+      options_(std::move(options)) {}
 
 FormReader::~FormReader() = default;
 
@@ -136,6 +157,7 @@ FormRecord FormReader::Read(const std::vector<std::string>& images) const {
     page.page = static_cast<int32_t>(p + 1);
     page.bubbles_printed = static_cast<int32_t>(plan.printed.centres.size());
     std::vector<BubbleRead> reads;
+    std::vector<std::vector<detail::RegionValue>> regions;
     bool read = false;
     if (p >= images.size()) {
       page.error = "no image for this page";
@@ -151,8 +173,12 @@ FormRecord FormReader::Read(const std::vector<std::string>& images) const {
             xunrec::PageImage::FromGrey(std::move(grey), std::max(1, static_cast<int>(xdpi + 0.5)),
                                         std::max(1, static_cast<int>(ydpi + 0.5)));
         std::string why;
-        const auto fit =
-            detail::FitPage(image->Dark(), xdpi, ydpi, plan.printed, detail::FitLimits{}, why);
+        // A page with no bubbles (only barcodes or text) has nothing to register it by: the scan
+        // is taken as the whole page.
+        const auto fit = plan.printed.centres.empty()
+                             ? std::optional(detail::WholePageFit(xdpi, ydpi))
+                             : detail::FitPage(image->Dark(), xdpi, ydpi, plan.printed,
+                                               detail::FitLimits{}, why);
         if (!fit) {
           page.error = "not registered: " + why;
         } else {
@@ -166,6 +192,8 @@ FormRecord FormReader::Read(const std::vector<std::string>& images) const {
             page.bubbles.push_back({plan.ids[i].region, plan.ids[i].row, plan.ids[i].col, nets[i],
                                     reads.back().state});
           }
+          regions = detail::ReadRegions(plan, image->Grey(), *fit, options_,
+                                        {ClipStem(images.front()), page.page});
           read = true;
         }
       } catch (const xunrec::EngineError& e) {
@@ -174,7 +202,7 @@ FormRecord FormReader::Read(const std::vector<std::string>& images) const {
         page.error = e.what();
       }
     }
-    AnswerItems(plan, page.page, read ? &reads : nullptr,
+    AnswerItems(plan, page.page, read ? &reads : nullptr, regions,
                 "page " + std::to_string(page.page) + " " +
                     (page.error.empty() ? std::string("was not read") : page.error),
                 record.answers);
