@@ -92,26 +92,24 @@ std::vector<RegionValue> ReadBarcodes(const RegionCut& cut, const RegionPlan& re
   });
   if (results.empty()) return std::vector<RegionValue>(parts, RegionValue::Blank());
 
-  // The column of the region each symbol's middle stands in, left to right, then top to bottom.
+  // The column of the region each symbol's middle stands in; left to right.
   struct Found {
     size_t column;
-    double y;
+    double x;
     const ZXing::Result* result;
   };
   std::vector<Found> found;
   const double column_width = region.area.width / static_cast<double>(parts);
   for (const ZXing::Result& r : results) {
-    double mx = 0, my = 0;
-    for (const ZXing::PointI& corner : r.position()) {
+    double mx = 0;
+    for (const ZXing::PointI& corner : r.position())
       mx += corner.x / 4.0;
-      my += corner.y / 4.0;
-    }
     const double x = cut.origin.x + mx / cut.pixels_per_unit - region.area.x;
     const double column = std::clamp(x / column_width, 0.0, static_cast<double>(parts - 1));
-    found.push_back({static_cast<size_t>(column), my, &r});
+    found.push_back({static_cast<size_t>(column), mx, &r});
   }
   std::stable_sort(found.begin(), found.end(), [](const Found& a, const Found& b) {
-    return a.column != b.column ? a.column < b.column : a.y < b.y;
+    return a.column != b.column ? a.column < b.column : a.x < b.x;
   });
 
   if (parts == 1) {

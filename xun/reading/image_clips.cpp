@@ -63,7 +63,9 @@ std::optional<ClipFormat> ClipFormatOf(xunImageClipType type, xunImageClipCompre
     case xunImageClipTypeJPG:
       return ClipFormat{{"JPEG", Compression::kDefault, false}, ".jpg"};
     case xunImageClipTypePCXDCX:
-      return ClipFormat{{"PCX", Compression::kDefault, false}, ".pcx"};
+      // Black and white, as the library keeps page images: the image library's PCX writer fails
+      // on grey pages.
+      return ClipFormat{{"PCX", Compression::kDefault, true}, ".pcx"};
     case xunImageClipTypePDF:
       return ClipFormat{{"PDF", Compression::kJpeg, false}, ".pdf"};
   }

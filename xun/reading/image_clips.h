@@ -25,8 +25,8 @@ struct ClipFormat {
 };
 
 // The format a region's clip type and compression ask for: TIF (uncompressed, Group 3, Group 4,
-// LZW; LZW when not set), JPG, PCX or PDF; TIF when the type is not set. Nothing, with `why`, for
-// a type or compression that is none of those.
+// LZW; LZW when not set), JPG, PCX (black and white) or PDF; TIF when the type is not set. Nothing,
+// with `why`, for a type or compression that is none of those.
 std::optional<ClipFormat> ClipFormatOf(xunImageClipType type, xunImageClipCompression compression,
                                        std::string& why);
 

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace xun::reading::detail {
 namespace {
@@ -23,11 +22,11 @@ tesseract::TessBaseAPI* OcrFor(const std::string& language) {
   if (ocr.api && ocr.language == language) return ocr.ready ? ocr.api.get() : nullptr;
   ocr.api = std::make_unique<tesseract::TessBaseAPI>();
   ocr.language = language;
-  // Its complaints would go to standard error, in the middle of a host's output: the failure is
-  // reported in the answers instead.
-  const std::vector<std::string> names{"debug_file"}, values{"/dev/null"};
-  ocr.ready = ocr.api->Init(nullptr, language.c_str(), tesseract::OEM_LSTM_ONLY, nullptr, 0, &names,
-                            &values, false) == 0;
+  // Its complaints (a language's data not found) would go to standard error, in the middle of a
+  // host's output: the failure is reported in the answers instead. The setting is Tesseract's
+  // global one, so it is made before Init reads any file.
+  ocr.api->SetVariable("debug_file", "/dev/null");
+  ocr.ready = ocr.api->Init(nullptr, language.c_str(), tesseract::OEM_LSTM_ONLY) == 0;
   return ocr.ready ? ocr.api.get() : nullptr;
 }
 
