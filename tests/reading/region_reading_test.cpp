@@ -12,6 +12,7 @@
 #include <fstream>
 #include <map>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "common/answer_sheet.h"
@@ -132,6 +133,12 @@ class RegionReadingTest : public ::testing::Test {
     auto data =
         AddRegion(page, "Data", xunRecogTypeImage, xunFieldTypeImageClipData, 610, 970, 760, 1050);
     data->ImageClipAddColumn(true);
+    // A pattern that would reach out of the folder, with the page and item in it.
+    auto named =
+        AddRegion(page, "Named", xunRecogTypeImage, xunFieldTypeImageClip, 775, 970, 840, 1050);
+    named->ImageClipType(xunImageClipTypeTIF);
+    named->ImageClipFile("a/../{page}_{item}.TIF");
+    named->ImageClipAddColumn(true);
     for (const auto& field : *page.Fields())
       field->Questions()->Update();
 
@@ -276,17 +283,40 @@ TEST_F(RegionReadingTest, ClipsAreWrittenInEveryFormatAndReadBack) {
   EXPECT_EQ(answers["Data_1"].status, AnswerStatus::Doubtful);
   EXPECT_EQ(answers["Data_1"].clip, folder + "/form7_Data.tif");
   EXPECT_EQ(answers["Data_2"].value, "form7_Data.tif");
+  // The tokens replaced, the separators made harmless, the extension kept.
+  const std::string named = "a_.._1_" + std::to_string(answers["Named"].item) + ".TIF";
+  EXPECT_EQ(answers["Named"].value, named);
+  EXPECT_TRUE(fs::exists(folder + "/" + named));
   // Nothing half-written is left beside them.
   for (const auto& entry : fs::directory_iterator(folder))
     EXPECT_NE(entry.path().filename().string()[0], '.') << entry.path();
 }
 
+TEST_F(RegionReadingTest, OneReaderReadsOnSeveralThreadsAtOnce) {
+  const FormReader reader(*form_, {}, {folder_->File("threads"), "eng"});
+  std::vector<FormRecord> records(2);
+  std::vector<std::thread> threads;
+  for (FormRecord& record : records)
+    threads.emplace_back([&] { record = reader.Read({folder_->File("form7.png")}); });
+  for (std::thread& thread : threads)
+    thread.join();
+  for (const FormRecord& record : records) {
+    ASSERT_EQ(record.answers.size(), Record().answers.size());
+    for (size_t i = 0; i < record.answers.size(); ++i) {
+      EXPECT_EQ(record.answers[i].value, Record().answers[i].value) << record.answers[i].name;
+      EXPECT_EQ(record.answers[i].status, Record().answers[i].status) << record.answers[i].name;
+    }
+  }
+}
+
 TEST_F(RegionReadingTest, WhatCannotBeDoneIsInTheAnswers) {
-  // No folder for clips, an OCR language that is not installed: those regions are errors with
-  // why; the barcodes are read all the same.
-  auto answers = Answers(Read({"", "xx-missing"}));
+  // A clip folder that is a file, an OCR language that is not installed: those regions are
+  // errors with why; the barcodes are read all the same.
+  testing::WriteFileBytes(folder_->File("not-a-folder"), "x");
+  auto answers = Answers(Read({folder_->File("not-a-folder"), "xx-missing"}));
   EXPECT_EQ(answers["Clip1"].status, AnswerStatus::Error);
-  EXPECT_NE(answers["Clip1"].why.find("no folder"), std::string::npos);
+  EXPECT_EQ(answers["Clip1"].value, "ERROR #");
+  EXPECT_NE(answers["Clip1"].why.find("cannot write"), std::string::npos) << answers["Clip1"].why;
   EXPECT_EQ(answers["Name"].status, AnswerStatus::Error);
   EXPECT_NE(answers["Name"].why.find("xx-missing"), std::string::npos) << answers["Name"].why;
   EXPECT_EQ(answers["Code"].value, "AB-1234");
