@@ -45,6 +45,16 @@ std::pair<int, int> PaperAndInk(const cv::Mat& grey) {
   return {level(0.5), level(0.002)};
 }
 
+// Whether every pixel is black (0) or white (255): the first grey pixel ends the look.
+bool BlackAndWhite(const cv::Mat& grey) {
+  for (int y = 0; y < grey.rows; ++y) {
+    const uint8_t* row = grey.ptr<uint8_t>(y);
+    for (int x = 0; x < grey.cols; ++x)
+      if (row[x] != 0 && row[x] != 255) return false;
+  }
+  return true;
+}
+
 int Odd(double value, int minimum) {
   const int n = std::max(minimum, static_cast<int>(std::lround(value)));
   return n | 1;
@@ -55,9 +65,7 @@ int Odd(double value, int minimum) {
 cv::Mat Binarise(const cv::Mat& grey, int dpi) {
   cv::Mat dark;
   // Only black and white: a 1-bit scan, taken as it is.
-  cv::Mat between;
-  cv::inRange(grey, 1, 254, between);
-  if (cv::countNonZero(between) == 0) {
+  if (BlackAndWhite(grey)) {
     cv::compare(grey, 128, dark, cv::CMP_LT);
     return dark;
   }
@@ -69,9 +77,14 @@ cv::Mat Binarise(const cv::Mat& grey, int dpi) {
   const double range = std::clamp(paper - ink, kMinRange, 255) / 255.0;
   cv::adaptiveThreshold(grey, dark, 255, cv::ADAPTIVE_THRESH_MEAN_C, cv::THRESH_BINARY_INV,
                         Odd(dpi / 2.0, 3), kLocalContrast * range);
-  cv::Mat solid;
-  cv::compare(grey, ink + kAbsoluteDark * range, solid, cv::CMP_LT);
-  cv::bitwise_or(dark, solid, dark);
+  // Row by row rather than through a mask of the page: a reader holds one page per core.
+  const double solid = ink + kAbsoluteDark * range;
+  for (int y = 0; y < grey.rows; ++y) {
+    const uint8_t* g = grey.ptr<uint8_t>(y);
+    uint8_t* d = dark.ptr<uint8_t>(y);
+    for (int x = 0; x < grey.cols; ++x)
+      if (g[x] < solid) d[x] = 255;
+  }
   return dark;
 }
 

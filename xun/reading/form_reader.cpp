@@ -117,9 +117,11 @@ void AnswerItems(const PagePlan& plan, int32_t page, const std::vector<BubbleRea
   }
 }
 
-// What names a form's clips: its first image's name without folder or extension.
-std::string ClipStem(const std::string& image) {
-  return std::filesystem::path(image).stem().string();
+// What names a form's clips: its first page's file name without folder or extension, and the
+// page's number in the file when it is not the first (forms of one multi-page file).
+std::string ClipStem(const ScanPage& first) {
+  const std::string stem = std::filesystem::path(first.file).stem().string();
+  return first.frame > 0 ? stem + "_" + std::to_string(first.frame + 1) : stem;
 }
 
 }  // namespace
@@ -145,11 +147,17 @@ int32_t FormReader::NumPages() const {
 }
 
 FormRecord FormReader::Read(const std::vector<std::string>& images) const {
+  return ReadPages(PagesOf(images));
+}
+
+FormRecord FormReader::ReadPages(const std::vector<ScanPage>& images) const {
   FormRecord record;
-  record.images = images;
+  for (const ScanPage& scan : images)
+    if (record.images.empty() || record.images.back() != scan.file)
+      record.images.push_back(scan.file);
   if (images.size() != plan_->pages.size())
-    record.error = std::to_string(images.size()) + (images.size() == 1 ? " image" : " images") +
-                   " for a form of " + std::to_string(plan_->pages.size()) +
+    record.error = std::to_string(images.size()) + (images.size() == 1 ? " page" : " pages") +
+                   " scanned for a form of " + std::to_string(plan_->pages.size()) +
                    (plan_->pages.size() == 1 ? " page" : " pages");
   for (size_t p = 0; p < plan_->pages.size(); ++p) {
     const PagePlan& plan = plan_->pages[p];
@@ -162,9 +170,10 @@ FormRecord FormReader::Read(const std::vector<std::string>& images) const {
     if (p >= images.size()) {
       page.error = "no image for this page";
     } else {
-      page.image = images[p];
+      page.image = images[p].file;
+      page.frame = images[p].frame;
       try {
-        cv::Mat grey = xunrec::DecodeGrey(images[p]);
+        cv::Mat grey = xunrec::DecodeGrey(images[p].file, images[p].frame);
         // The resolution is the page's size on the image: a scan is the whole page, whatever
         // resolution its file claims (the fit takes up a few percent of difference).
         const double xdpi = grey.cols * 100.0 / plan_->page_width;

@@ -11,6 +11,7 @@
 #include "xun/reading/form_record.h"
 #include "xun/reading/mark_judgement.h"
 #include "xun/reading/read_options.h"
+#include "xun/reading/scan_pages.h"
 
 namespace xun::reading {
 
@@ -30,9 +31,11 @@ class XUN_READING_API FormReader {
 
   int32_t NumPages() const;
 
-  // One image file for each page of the template, in page order. Never throws: a file that
-  // cannot be read, a page that cannot be registered, too few or too many images are in the
+  // One scanned page for each page of the template, in page order. Never throws: a file that
+  // cannot be read, a page that cannot be registered, too few or too many pages are in the
   // record, its pages and its answers (ErrorReturn, status error).
+  FormRecord ReadPages(const std::vector<ScanPage>& pages) const;
+  // The same for the pages of these files (PagesOf): an image file a page, or a multi-page TIFF.
   FormRecord Read(const std::vector<std::string>& images) const;
 
  private:

@@ -15,7 +15,9 @@ namespace xun::reading::detail {
 
 // What a clip's file name may say.
 struct ClipNames {
-  std::string form;  // the name of the form's first image, without its folder and extension
+  // The name of the file of the form's first page, without folder and extension ("_" and the
+  // page's number in the file added when it is not the file's first).
+  std::string form;
   int32_t page = 0;
 };
 

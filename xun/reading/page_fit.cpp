@@ -105,10 +105,11 @@ std::vector<cv::Point2d> Candidates(const cv::Mat& dark, cv::Point2d scale,
                          static_cast<int>(std::ceil((all.br().y + grow) * scale.y)))) &
       image;
   if (looked.empty()) return {};
+  const cv::Size2d largest(1.6 * max_w * scale.x, 1.6 * max_h * scale.y);
   const std::vector<xunrec::Blob> blobs = xunrec::BubbleShaped(
-      xunrec::Components(dark, looked),
+      xunrec::ComponentsUpTo(dark, looked, static_cast<int>(std::ceil(largest.height))),
       cv::Size2d(std::max(2.0, 0.6 * min_w * scale.x), std::max(2.0, 0.6 * min_h * scale.y)),
-      cv::Size2d(1.6 * max_w * scale.x, 1.6 * max_h * scale.y));
+      largest);
   std::vector<cv::Point2d> centres;
   centres.reserve(blobs.size());
   for (const xunrec::Blob& b : blobs)
