@@ -29,7 +29,7 @@ namespace {
 namespace ss = xun::synthscan;
 namespace fs = std::filesystem;
 
-constexpr int kDpi = 300;
+constexpr int kDpi = 200;
 
 std::shared_ptr<clsXUNField> AddRegion(clsXUNPage& page, const std::string& name, xunRecogType kind,
                                        xunFieldType type, int left, int top, int right,
@@ -71,7 +71,7 @@ void DrawBarcode(cv::Mat& page, ZXing::BarcodeFormat format, const std::string& 
 
 // Machine-printed text, DejaVu Sans at `points`, its top left at the page point given.
 void DrawText(cv::Mat& page, const std::string& text, double left, double top, double points) {
-  const int width = 1000, height = 150;
+  const int width = 700, height = 150;
   Magick::Image image(Magick::Geometry(width, height), Magick::Color("white"));
   const double pixels = points * kDpi / 72.0;
   image.draw({Magick::DrawableFont("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"),
