@@ -8,8 +8,27 @@
 namespace xun::imagefile {
 namespace {
 
+CompressionType CompressionOf(CutFormat::Compression compression) {
+  switch (compression) {
+    case CutFormat::Compression::kNone:
+      return NoCompression;
+    case CutFormat::Compression::kGroup3:
+      return Group3Compression;
+    case CutFormat::Compression::kGroup4:
+      return Group4Compression;
+    case CutFormat::Compression::kLzw:
+      return LZWCompression;
+    case CutFormat::Compression::kJpeg:
+      return JPEGCompression;
+    case CutFormat::Compression::kDefault:
+      break;
+  }
+  return UndefinedCompression;
+}
+
 std::string Encode(int32_t width, int32_t height, const uint8_t* pixels, double xdpi, double ydpi,
-                   ImageType type, const char* format) {
+                   ImageType type, const char* format,
+                   CompressionType compression = UndefinedCompression, unsigned long quality = 0) {
   if (width <= 0 || height <= 0 || !pixels) throw std::invalid_argument("the page has no pixels");
   magick::Start();
   magick::Exception exception;
@@ -22,6 +41,11 @@ std::string Encode(int32_t width, int32_t height, const uint8_t* pixels, double 
   page->y_resolution = ydpi;
   page->units = PixelsPerInchResolution;
   magick::Info info = magick::InfoFor(format);
+  if (compression != UndefinedCompression) {
+    page->compression = compression;
+    info->compression = compression;
+  }
+  if (quality) info->quality = quality;
   std::snprintf(page->magick, sizeof page->magick, "%s", format);
   size_t size = 0;
   void* blob = ImageToBlob(info.get(), page.get(), &size, &exception.info);
@@ -45,6 +69,14 @@ std::string EncodeBilevelPcx(int32_t width, int32_t height, const std::vector<ui
 
 std::string EncodeGreyPng(int32_t width, int32_t height, const uint8_t* pixels, double dpi) {
   return Encode(width, height, pixels, dpi, dpi, GrayscaleType, "PNG");
+}
+
+std::string EncodeCut(int32_t width, int32_t height, const uint8_t* pixels, double dpi,
+                      const CutFormat& format) {
+  return Encode(width, height, pixels, dpi, dpi, format.bilevel ? BilevelType : GrayscaleType,
+                format.format, CompressionOf(format.compression),
+                // JPEG, in a file of its own or inside a PDF: a clip a person reads, kept sharp.
+                90);
 }
 
 }  // namespace xun::imagefile

@@ -24,6 +24,9 @@ PACKAGES=(
   libjpeg-dev        # JPEG scans read straight to grey
   libzxing-dev       # barcode type detection; the tests draw barcodes with it
   libopencv-dev      # the recognition engine's image work (core and imgproc)
+  libtesseract-dev   # the reader's OCR regions
+  tesseract-ocr-eng  # the English data the OCR regions are read with by default
+  fonts-dejavu-core  # the reading tests print text in OCR regions with DejaVu Sans
   libcli11-dev       # the xuntemplate command line
   nlohmann-json3-dev # xuntemplate dump and build
   chromium           # the xuntemplate render test looks at the SVG in a browser

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <filesystem>
 #include <iostream>
 #include <mutex>
 #include <sstream>
@@ -17,7 +18,7 @@ namespace xuntool {
 namespace {
 
 struct ReadArgs {
-  std::string file, output, json;
+  std::string file, output, json, clips;
   std::vector<std::string> scans;
   int32_t jobs = 0;
 };
@@ -46,7 +47,12 @@ class Progress {
 void Read(const ReadArgs& args) {
   auto t = OpenTemplate(args.file, false);
   TemplateGuard guard(t);
-  const xun::reading::FormReader reader(*t);
+  xun::reading::ReadOptions options;
+  // Clips go beside the results unless asked elsewhere.
+  options.clip_folder = !args.clips.empty()
+                            ? args.clips
+                            : std::filesystem::absolute(args.output).parent_path().string();
+  const xun::reading::FormReader reader(*t, {}, options);
   const size_t pages = static_cast<size_t>(std::max(reader.NumPages(), 1));
   // The scans of a form are its pages in page order (an image file a page, or a multi-page
   // TIFF), form after form.
@@ -103,6 +109,9 @@ void AddReadCommand(CLI::App& app, int& status) {
   cmd->add_option("SCANS", args->scans, "Scanned images (PNG, JPEG, TIFF, PCX, DCX)")->required();
   cmd->add_option("-o,--output", args->output, "CSV file to write")->required();
   cmd->add_option("--json", args->json, "JSON Lines file to write as well");
+  cmd->add_option("--clips", args->clips,
+                  "Folder for image clips and the clips of OCR answers to check (default: the "
+                  "results file's)");
   cmd->add_option("-j,--jobs", args->jobs, "Forms read at once (default: one a core)")
       ->check(CLI::Range(1, 256));
   cmd->callback([args, &status] {

@@ -97,6 +97,7 @@ std::string ResultsJsonLines(const std::vector<FormRecord>& records) {
       a["status"] = xun::reading::StatusName(answer.status);
       a["confidence"] = Rounded(answer.confidence);
       if (!answer.why.empty()) a["why"] = answer.why;
+      if (!answer.clip.empty()) a["clip"] = answer.clip;
       form["answers"].push_back(std::move(a));
     }
     lines += form.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";

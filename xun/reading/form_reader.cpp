@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <exception>
+#include <filesystem>
 #include <map>
+#include <optional>
 
 #include "engine/engine_error.h"
 #include "engine/grid_check.h"
@@ -10,6 +12,7 @@
 #include "engine/xunrec.h"
 #include "xun/reading/page_registration.h"
 #include "xun/reading/reading_plan.h"
+#include "xun/reading/region_reading.h"
 #include "xun/reading/scanned_page.h"
 
 namespace xun::reading {
@@ -56,11 +59,20 @@ std::vector<int16_t> NetFills(const detail::ScannedPage& page, const detail::Pag
 }
 
 void AnswerItems(const PagePlan& plan, int32_t page, const std::vector<BubbleRead>* reads,
+                 const std::vector<std::vector<detail::RegionValue>>& regions,
                  const std::string& why, std::vector<ItemAnswer>& answers) {
   std::vector<AnswerValue> values;
+  std::vector<std::string> clips(plan.items.size());
   for (const detail::ItemPlan& item : plan.items) {
     if (!reads) {
       values.push_back(ErrorAnswer(item.rules, why));
+      continue;
+    }
+    if (item.region >= 0 && static_cast<size_t>(item.region) < regions.size() &&
+        static_cast<size_t>(item.part) < regions[static_cast<size_t>(item.region)].size()) {
+      const auto& value = regions[static_cast<size_t>(item.region)][static_cast<size_t>(item.part)];
+      clips[values.size()] = value.clip;
+      values.push_back(detail::AnswerFrom(item.rules, value));
       continue;
     }
     if (item.lines.empty()) {
@@ -99,8 +111,16 @@ void AnswerItems(const PagePlan& plan, int32_t page, const std::vector<BubbleRea
     answer.status = values[i].status;
     answer.confidence = values[i].confidence;
     answer.why = std::move(values[i].why);
+    answer.clip = std::move(clips[i]);
     answers.push_back(std::move(answer));
   }
+}
+
+// What names a form's clips: its first page's file name without folder or extension, and the
+// page's number in the file when it is not the first (forms of one multi-page file).
+std::string ClipStem(const ScanPage& first) {
+  const std::string stem = std::filesystem::path(first.file).stem().string();
+  return first.frame > 0 ? stem + "_" + std::to_string(first.frame + 1) : stem;
 }
 
 }  // namespace
@@ -118,8 +138,10 @@ bool FormRecord::NeedsReview() const {
   });
 }
 
-FormReader::FormReader(const clsXUNTemplate& form, MarkThresholds thresholds)
-    : plan_(std::make_unique<detail::ReadingPlan>(detail::PlanOf(form))), thresholds_(thresholds) {}
+FormReader::FormReader(const clsXUNTemplate& form, MarkThresholds thresholds, ReadOptions options)
+    : plan_(std::make_unique<detail::ReadingPlan>(detail::PlanOf(form))),
+      thresholds_(thresholds),
+      options_(std::move(options)) {}
 
 FormReader::~FormReader() = default;
 
@@ -146,6 +168,7 @@ FormRecord FormReader::ReadPages(const std::vector<ScanPage>& images) const {
     page.page = static_cast<int32_t>(p + 1);
     page.bubbles_printed = static_cast<int32_t>(plan.printed.centres.size());
     std::vector<BubbleRead> reads;
+    std::vector<std::vector<detail::RegionValue>> regions;
     bool read = false;
     if (p >= images.size()) {
       page.error = "no image for this page";
@@ -178,6 +201,8 @@ FormRecord FormReader::ReadPages(const std::vector<ScanPage>& images) const {
             page.bubbles.push_back({plan.ids[i].region, plan.ids[i].row, plan.ids[i].col, nets[i],
                                     reads.back().state});
           }
+          regions = detail::ReadRegions(plan, scanned.Grey(), *fit, options_,
+                                        {ClipStem(images.front()), page.page});
           read = true;
         }
       } catch (const xunrec::EngineError& e) {
@@ -186,7 +211,7 @@ FormRecord FormReader::ReadPages(const std::vector<ScanPage>& images) const {
         page.error = e.what();
       }
     }
-    AnswerItems(plan, page.page, read ? &reads : nullptr,
+    AnswerItems(plan, page.page, read ? &reads : nullptr, regions,
                 "page " + std::to_string(page.page) + " " +
                     (page.error.empty() ? std::string("was not read") : page.error),
                 record.answers);

@@ -10,6 +10,7 @@
 #include "xun/reading/export.h"
 #include "xun/reading/form_record.h"
 #include "xun/reading/mark_judgement.h"
+#include "xun/reading/read_options.h"
 #include "xun/reading/scan_pages.h"
 
 namespace xun::reading {
@@ -27,7 +28,8 @@ class XUN_READING_API FormReader {
  public:
   // Takes from the template all that reading needs, once: the reader does not touch the template
   // again, so the template may change or go, and one reader may read on several threads at once.
-  explicit FormReader(const clsXUNTemplate& form, MarkThresholds thresholds = {});
+  explicit FormReader(const clsXUNTemplate& form, MarkThresholds thresholds = {},
+                      ReadOptions options = {});
   ~FormReader();
   FormReader(const FormReader&) = delete;
   FormReader& operator=(const FormReader&) = delete;
@@ -44,6 +46,7 @@ class XUN_READING_API FormReader {
  private:
   std::unique_ptr<const detail::ReadingPlan> plan_;
   MarkThresholds thresholds_;
+  ReadOptions options_;
 };
 
 }  // namespace xun::reading

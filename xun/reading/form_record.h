@@ -18,6 +18,9 @@ struct ItemAnswer {
   AnswerStatus status = AnswerStatus::Clear;
   double confidence = 1.0;
   std::string why;
+  // A picture of the item for a person: the image clip written for it, or the clip of an OCR
+  // answer to check. Empty when none was written.
+  std::string clip;
 };
 
 // How one bubble was judged.

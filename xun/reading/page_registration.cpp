@@ -1,5 +1,7 @@
 #include "xun/reading/page_registration.h"
 
+#include "xun/reading/region_image.h"
+
 namespace xun::reading::detail {
 
 std::optional<Registration> RegisterPage(const ScannedPage& page, double xdpi, double ydpi,
@@ -8,6 +10,9 @@ std::optional<Registration> RegisterPage(const ScannedPage& page, double xdpi, d
   const PrintedBubbles& shapes = by_bubbles ? plan.printed : plan.marks;
   FitLimits limits;
   if (!by_bubbles) {
+    // A page of only barcodes or text, and no timing marks: the scan is taken as the whole page.
+    if (!plan.drop_out && shapes.centres.size() < 3)
+      return Registration{WholePageFit(xdpi, ydpi), "the whole scan"};
     if (shapes.centres.size() < 3) {
       why = plan.drop_out ? "its bubbles are printed in drop-out ink and it has fewer than 3 "
                             "timing marks to register it by"

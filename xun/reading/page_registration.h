@@ -13,12 +13,13 @@ namespace xun::reading::detail {
 
 struct Registration {
   PageFit fit;     // page units to the scanned page's pixels
-  std::string by;  // "bubbles" or "timing marks"
+  std::string by;  // "bubbles", "timing marks" or "the whole scan"
 };
 
 // The fit of `plan`'s page to `page` (at `xdpi` x `ydpi`, the page's size on the image). A page
 // whose bubbles show is registered by them; a drop-out page by its timing marks, of which one
-// may be missing or smudged. Nothing, with `why`, when the page cannot be registered.
+// may be missing or smudged; a page of only barcodes or text with no timing marks is the whole
+// scan, scaled. Nothing, with `why`, when the page cannot be registered.
 std::optional<Registration> RegisterPage(const ScannedPage& page, double xdpi, double ydpi,
                                          const PagePlan& plan, std::string& why);
 

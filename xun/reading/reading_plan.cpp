@@ -99,10 +99,15 @@ ReadingPlan PlanOf(const clsXUNTemplate& form) {
           cv::Rect2d(all.Left, all.Top, all.Right - all.Left, all.Bottom - all.Top));
     }
 
+    const printing::PageLayout layout =
+        printing::LayoutOf(form, static_cast<int32_t>(plan.pages.size()));
     int region_index = 0;
     for (const auto& field : *page->Fields()) {
       ++region_index;
       if (!field->Questions()) continue;
+      const int image_region =
+          ReadFromImage(field->RecognitionType()) ? static_cast<int>(out.image_regions.size()) : -1;
+      if (image_region >= 0) out.image_regions.push_back(RegionPlanOf(*field, layout));
       // A linked region's items come from the first of its group, each line running on through
       // the same question of every region of the group, in page order.
       std::vector<std::shared_ptr<clsXUNField>> group{field};
@@ -117,7 +122,14 @@ ReadingPlan PlanOf(const clsXUNTemplate& form) {
         if (item.item <= 0) continue;
         item.name = question->QuestionName();
         item.rules = QuestionRules::Of(*question);
-        if (field->FieldType() == xunFieldTypeOMRRank) item.rank_group = region_index;
+        // Field types restart for every kind of region: 7 is Code 128 in a barcode region.
+        if (field->RecognitionType() == xunRecogTypeOMR &&
+            field->FieldType() == xunFieldTypeOMRRank)
+          item.rank_group = region_index;
+        if (image_region >= 0) {
+          item.region = image_region;
+          item.part = question->ReturnIndex(false) - 1;
+        }
         if (field->RecognitionType() == xunRecogTypeOMR) {
           const int position = question->ReturnIndex(false);
           for (const auto& member : group) {

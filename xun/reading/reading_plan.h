@@ -8,6 +8,7 @@
 #include "xun/model/fwd.h"
 #include "xun/reading/answer_rules.h"
 #include "xun/reading/page_fit.h"
+#include "xun/reading/region_plan.h"
 
 namespace xun::reading::detail {
 
@@ -19,6 +20,9 @@ struct ItemPlan {
   QuestionRules rules;
   std::vector<std::vector<int>> lines;
   int32_t rank_group = -1;  // the region of a rank question: duplicates are looked for within it
+  // An item of a region read from the image: the region (in PagePlan::image_regions) and which
+  // of its values, from 0.
+  int region = -1, part = 0;
 };
 
 // Which bubble a printed bubble is: its region's name and its grid row and column.
@@ -33,6 +37,7 @@ struct PagePlan {
   std::vector<std::pair<int, int>> regions;
   std::vector<int16_t> blank_fills;  // of each printed bubble, from the registration (0 without)
   std::vector<BubbleId> ids;         // of each printed bubble
+  std::vector<RegionPlan> image_regions;  // barcode, OCR and image-clip regions, in page order
   std::vector<ItemPlan> items;
   // The page's timing marks, as printed; and whether its bubbles are printed in a drop-out ink
   // the scanner does not see, so the marks are what registers it.

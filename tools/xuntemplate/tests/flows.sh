@@ -256,6 +256,33 @@ read)
   [[ $(grep -c '"status":"error"' one.jsonl) == 1 ]] || fail "read: $(cat one.jsonl)"
   [[ $(grep -c '"registered":true' one.jsonl) == 3 ]] || fail "read: $(cat one.jsonl)"
   grep -q "^one.csv: 4 forms, [0-9] to review, 1 not read$" out.txt || fail "read: $(cat out.txt)"
+  # The exam with its form barcode returned as an item and a picture region: the barcode read
+  # into its column, the picture written to --clips and named in its own.
+  "$tool" dump "$examples/exam.omr" -o exam.json >/dev/null
+  python3 - <<'PY'
+import copy, json
+d = json.load(open("exam.json"))
+page = d["Template"]["Pages"][0]
+form_id = page["Regions"][0]
+form_id["Questions"][0]["IDAdd"] = True
+clip = copy.deepcopy(form_id)
+clip.update(Key="", FieldName="Photo", RecognitionType=2, FieldType=1, Left=450, Top=120,
+            Right=750, Bottom=420, ImageClipType=3, ImageClipFile="{form}-{region}",
+            ImageClipAddColumn=True, BarcodeLength=0)
+clip["Questions"][0].update(Key="", QuestionName="Photo", IDType=0, IDValue="", IDAdd=False)
+page["Regions"].append(clip)
+json.dump(d, open("clips.json", "w"))
+PY
+  "$tool" build clips.json -o clips.omr >/dev/null || fail "build clips.omr"
+  "$synthscan" clips.omr --random 4 --seed 4 --dpi 200 --rotate 1 -o clipform.png >/dev/null ||
+    fail "synthscan could not make clipform.png"
+  "$tool" read clips.omr clipform.png -o clips.csv --json clips.jsonl --clips pictures \
+    >/dev/null || fail "read --clips failed"
+  # Read, or to review when the made-up marks hold a double mark.
+  [[ $(sed -n 2p clips.csv | tr -d '\r') == clipform.png,re*,,EXAM-A,*,clipform-Photo.jpg ]] ||
+    fail "read --clips: $(cat clips.csv)"
+  [[ $(first_bytes pictures/clipform-Photo.jpg 3) == ffd8ff ]] || fail "the clip is no JPEG"
+  grep -q '"clip":"pictures/clipform-Photo.jpg"' clips.jsonl || fail "read: $(cat clips.jsonl)"
   ;;
 register)
   cp "$examples/scanned.omr" scanned.omr
