@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 #include <map>
+#include <optional>
 
 #include "engine/bubble_fill.h"
 #include "engine/engine_error.h"
@@ -10,7 +11,9 @@
 #include "engine/image_file.h"
 #include "engine/page_image.h"
 #include "engine/xunrec.h"
+#include "xun/reading/identification.h"
 #include "xun/reading/reading_plan.h"
+#include "xun/reading/review_list.h"
 
 namespace xun::reading {
 namespace {
@@ -33,10 +36,11 @@ std::string EngineMessage(int16_t code) {
 }
 
 // Every printed bubble's net fill on the registered scan: its fill where the fit puts it, less
-// the fill of the blank printed bubble.
+// the fill of the blank printed bubble. `placed` gets where each lies on the image.
 std::vector<int16_t> NetFills(const xunrec::PageImage& image, const detail::PageFit& fit,
-                              const PagePlan& plan) {
+                              const PagePlan& plan, std::vector<cv::Rect2d>& placed) {
   std::vector<int16_t> fills(plan.printed.centres.size(), 0);
+  placed.assign(fills.size(), {});
   for (const auto& [first, count] : plan.regions) {
     xunrec::Grid grid;
     const cv::Point2d middle = plan.printed.centres[static_cast<size_t>(first)];
@@ -48,6 +52,8 @@ std::vector<int16_t> NetFills(const xunrec::PageImage& image, const detail::Page
     const std::vector<int16_t> region = xunrec::FillPercents(image, grid);
     for (int i = 0; i < count; ++i) {
       const size_t at = static_cast<size_t>(first + i);
+      const cv::Point2d& centre = grid.bubble_centres[static_cast<size_t>(i)];
+      placed[at] = cv::Rect2d(centre.x, centre.y, grid.bubble.width, grid.bubble.height);
       fills[at] =
           static_cast<int16_t>(std::max(0, region[static_cast<size_t>(i)] - plan.blank_fills[at]));
     }
@@ -55,6 +61,7 @@ std::vector<int16_t> NetFills(const xunrec::PageImage& image, const detail::Page
   return fills;
 }
 
+// The answers of a page's items, hidden identification questions too, in the plan's order.
 void AnswerItems(const PagePlan& plan, int32_t page, const std::vector<BubbleRead>* reads,
                  const std::string& why, std::vector<ItemAnswer>& answers) {
   std::vector<AnswerValue> values;
@@ -103,16 +110,21 @@ void AnswerItems(const PagePlan& plan, int32_t page, const std::vector<BubbleRea
   }
 }
 
-}  // namespace
-
-bool FormRecord::NeedsReview() const {
-  if (!error.empty()) return true;
-  for (const PageReading& page : pages)
-    if (!page.registered) return true;
-  return std::any_of(answers.begin(), answers.end(), [](const ItemAnswer& a) {
-    return a.status != AnswerStatus::Clear && a.status != AnswerStatus::Blank;
-  });
+// The value page `page`'s page ID question reads on an outcome: nothing unless it was registered
+// and the value is clear.
+std::optional<std::string> PageIDRead(const detail::ReadingPlan& plans, size_t page,
+                                      const PageOutcome& outcome) {
+  if (!outcome.page.registered) return std::nullopt;
+  const PagePlan& plan = plans.pages[page];
+  for (size_t k = 0; k < plan.items.size(); ++k)
+    if (plan.items[k].id_type == xunIDTypePage)
+      return outcome.answers[k].status == AnswerStatus::Clear
+                 ? std::optional(outcome.answers[k].value)
+                 : std::nullopt;
+  return std::nullopt;
 }
+
+}  // namespace
 
 FormReader::FormReader(const clsXUNTemplate& form, MarkThresholds thresholds)
     : plan_(std::make_unique<detail::ReadingPlan>(detail::PlanOf(form))), thresholds_(thresholds) {}
@@ -123,65 +135,105 @@ int32_t FormReader::NumPages() const {
   return static_cast<int32_t>(plan_->pages.size());
 }
 
+// One image read as one page of the form: its registration, bubbles and answers.
+PageOutcome FormReader::ReadPage(const std::string* file, size_t p) const {
+  const PagePlan& plan = plan_->pages[p];
+  PageOutcome out;
+  PageReading& page = out.page;
+  page.page = static_cast<int32_t>(p + 1);
+  page.bubbles_printed = static_cast<int32_t>(plan.printed.centres.size());
+  std::vector<BubbleRead> reads;
+  bool read = false;
+  if (!file) {
+    page.error = "no image for this page";
+  } else {
+    page.image = *file;
+    try {
+      cv::Mat grey = xunrec::DecodeGrey(*file);
+      // The resolution is the page's size on the image: a scan is the whole page, whatever
+      // resolution its file claims (the fit takes up a few percent of difference).
+      const double xdpi = grey.cols * 100.0 / plan_->page_width;
+      const double ydpi = grey.rows * 100.0 / plan_->page_height;
+      const auto image =
+          xunrec::PageImage::FromGrey(std::move(grey), std::max(1, static_cast<int>(xdpi + 0.5)),
+                                      std::max(1, static_cast<int>(ydpi + 0.5)));
+      std::string why;
+      const auto fit =
+          detail::FitPage(image->Dark(), xdpi, ydpi, plan.printed, detail::FitLimits{}, why);
+      if (!fit) {
+        page.error = "not registered: " + why;
+      } else {
+        page.registered = true;
+        page.model = fit->model;
+        page.fit_error = fit->error;
+        page.bubbles_found = fit->found;
+        std::vector<cv::Rect2d> placed;
+        const std::vector<int16_t> nets = NetFills(*image, *fit, plan, placed);
+        for (size_t i = 0; i < nets.size(); ++i) {
+          reads.push_back(Judge(nets[i], thresholds_));
+          page.bubbles.push_back({plan.ids[i].region, plan.ids[i].row, plan.ids[i].col, nets[i],
+                                  reads.back().state, plan.item_of[i], placed[i].x, placed[i].y,
+                                  placed[i].width, placed[i].height});
+        }
+        read = true;
+      }
+    } catch (const xunrec::EngineError& e) {
+      page.error = EngineMessage(e.Code());
+    } catch (const std::exception& e) {
+      page.error = e.what();
+    }
+  }
+  AnswerItems(plan, page.page, read ? &reads : nullptr,
+              "page " + std::to_string(page.page) + " " +
+                  (page.error.empty() ? std::string("was not read") : page.error),
+              out.answers);
+  return out;
+}
+
 FormRecord FormReader::Read(const std::vector<std::string>& images) const {
   FormRecord record;
   record.images = images;
-  if (images.size() != plan_->pages.size())
+  const size_t pages = plan_->pages.size();
+  if (images.size() != pages)
     record.error = std::to_string(images.size()) + (images.size() == 1 ? " image" : " images") +
-                   " for a form of " + std::to_string(plan_->pages.size()) +
-                   (plan_->pages.size() == 1 ? " page" : " pages");
-  for (size_t p = 0; p < plan_->pages.size(); ++p) {
-    const PagePlan& plan = plan_->pages[p];
-    PageReading page;
-    page.page = static_cast<int32_t>(p + 1);
-    page.bubbles_printed = static_cast<int32_t>(plan.printed.centres.size());
-    std::vector<BubbleRead> reads;
-    bool read = false;
-    if (p >= images.size()) {
-      page.error = "no image for this page";
-    } else {
-      page.image = images[p];
-      try {
-        cv::Mat grey = xunrec::DecodeGrey(images[p]);
-        // The resolution is the page's size on the image: a scan is the whole page, whatever
-        // resolution its file claims (the fit takes up a few percent of difference).
-        const double xdpi = grey.cols * 100.0 / plan_->page_width;
-        const double ydpi = grey.rows * 100.0 / plan_->page_height;
-        const auto image =
-            xunrec::PageImage::FromGrey(std::move(grey), std::max(1, static_cast<int>(xdpi + 0.5)),
-                                        std::max(1, static_cast<int>(ydpi + 0.5)));
-        std::string why;
-        const auto fit =
-            detail::FitPage(image->Dark(), xdpi, ydpi, plan.printed, detail::FitLimits{}, why);
-        if (!fit) {
-          page.error = "not registered: " + why;
-        } else {
-          page.registered = true;
-          page.model = fit->model;
-          page.fit_error = fit->error;
-          page.bubbles_found = fit->found;
-          const std::vector<int16_t> nets = NetFills(*image, *fit, plan);
-          for (size_t i = 0; i < nets.size(); ++i) {
-            reads.push_back(Judge(nets[i], thresholds_));
-            page.bubbles.push_back({plan.ids[i].region, plan.ids[i].row, plan.ids[i].col, nets[i],
-                                    reads.back().state});
-          }
-          read = true;
-        }
-      } catch (const xunrec::EngineError& e) {
-        page.error = EngineMessage(e.Code());
-      } catch (const std::exception& e) {
-        page.error = e.what();
+                   " for a form of " + std::to_string(pages) + (pages == 1 ? " page" : " pages");
+  // Each image is read as the page it stands for; then, when the pages carry page IDs, as the
+  // page its ID names if the images came in another order.
+  std::map<std::pair<size_t, size_t>, PageOutcome> tried;
+  const auto attempt = [&](size_t image, size_t page) -> const PageOutcome& {
+    auto at = tried.find({image, page});
+    if (at == tried.end()) at = tried.emplace(std::pair{image, page}, ReadPage(&images[image], page)).first;
+    return at->second;
+  };
+  std::vector<size_t> order;
+  std::vector<std::string> page_ids;
+  for (const PagePlan& plan : plan_->pages)
+    for (const detail::ItemPlan& item : plan.items)
+      if (item.id_type == xunIDTypePage) {
+        page_ids.push_back(item.id_value);
+        break;
       }
+  if (images.size() == pages && page_ids.size() == pages && pages > 1)
+    order = detail::PageOrder(page_ids, [&](size_t image, size_t page) {
+      return PageIDRead(*plan_, page, attempt(image, page));
+    });
+  for (size_t p = 0; p < pages; ++p) {
+    const size_t image = order.empty() ? p : order[p];
+    PageOutcome outcome = image < images.size() ? attempt(image, p) : ReadPage(nullptr, p);
+    const PagePlan& plan = plan_->pages[p];
+    for (size_t k = 0; k < plan.items.size(); ++k) {
+      const detail::ItemPlan& item = plan.items[k];
+      if (item.id_type != 0)
+        record.identification.push_back({item.id_type, item.id_value, item.item > 0, item.region,
+                                         outcome.answers[k]});
+      if (item.item > 0) record.answers.push_back(std::move(outcome.answers[k]));
     }
-    AnswerItems(plan, page.page, read ? &reads : nullptr,
-                "page " + std::to_string(page.page) + " " +
-                    (page.error.empty() ? std::string("was not read") : page.error),
-                record.answers);
-    record.pages.push_back(std::move(page));
+    record.pages.push_back(std::move(outcome.page));
   }
   std::stable_sort(record.answers.begin(), record.answers.end(),
                    [](const ItemAnswer& a, const ItemAnswer& b) { return a.item < b.item; });
+  detail::Identify(record);
+  detail::ListForReview(record);
   return record;
 }
 

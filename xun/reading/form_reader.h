@@ -17,6 +17,13 @@ namespace detail {
 struct ReadingPlan;
 }
 
+// One image read as one page of the form: its registration and bubbles, and the answers of the
+// page's items (hidden identification questions too), in the reading plan's order.
+struct PageOutcome {
+  PageReading page;
+  std::vector<ItemAnswer> answers;
+};
+
 class XUN_READING_API FormReader {
  public:
   // Takes from the template all that reading needs, once: the reader does not touch the template
@@ -28,12 +35,16 @@ class XUN_READING_API FormReader {
 
   int32_t NumPages() const;
 
-  // One image file for each page of the template, in page order. Never throws: a file that
-  // cannot be read, a page that cannot be registered, too few or too many images are in the
-  // record, its pages and its answers (ErrorReturn, status error).
+  // One image file for each page of the template, in page order (when the pages carry page IDs,
+  // images in another order are put in order by them). Never throws: a file that cannot be read,
+  // a page that cannot be registered, too few or too many images are in the record, its pages and
+  // its answers (ErrorReturn, status error); identification is checked and everything a person
+  // must look at is in the record's review list.
   FormRecord Read(const std::vector<std::string>& images) const;
 
  private:
+  PageOutcome ReadPage(const std::string* image, size_t page) const;
+
   std::unique_ptr<const detail::ReadingPlan> plan_;
   MarkThresholds thresholds_;
 };
