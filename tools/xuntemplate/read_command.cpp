@@ -5,11 +5,14 @@
 #include <atomic>
 #include <iostream>
 #include <mutex>
+#include <optional>
 #include <sstream>
 #include <thread>
 
 #include "commands.h"
+#include "read_key.h"
 #include "read_output.h"
+#include "read_review.h"
 #include "tool.h"
 #include "xun/reading/form_reader.h"
 
@@ -17,8 +20,8 @@ namespace xuntool {
 namespace {
 
 struct ReadArgs {
-  std::string file, output, json;
-  std::vector<std::string> scans;
+  std::string file, output, json, review;
+  std::vector<std::string> scans, keys;
   int32_t jobs = 0;
 };
 
@@ -47,6 +50,8 @@ void Read(const ReadArgs& args) {
   auto t = OpenTemplate(args.file, false);
   TemplateGuard guard(t);
   const xun::reading::FormReader reader(*t);
+  std::optional<xun::reading::Grader> grader;
+  if (!args.keys.empty()) grader.emplace(GraderFor(*t, reader, args.keys));
   const size_t pages = static_cast<size_t>(std::max(reader.NumPages(), 1));
   // The scans of a form are one image a page, in page order, form after form.
   std::vector<std::vector<std::string>> forms;
@@ -67,14 +72,16 @@ void Read(const ReadArgs& args) {
     workers.emplace_back([&] {
       for (size_t i = next++; i < forms.size(); i = next++) {
         records[i] = reader.Read(forms[i]);
+        if (grader) grader->Score(records[i]);
         progress.Done();
       }
     });
   for (std::thread& worker : workers)
     worker.join();
 
-  WriteOutputFile(args.output, ResultsCsv(records));
+  WriteOutputFile(args.output, ResultsCsv(records, grader.has_value()));
   if (!args.json.empty()) WriteOutputFile(args.json, ResultsJsonLines(records));
+  if (!args.review.empty()) WriteReviewPictures(args.review, records);
   size_t review = 0, failed = 0;
   for (const auto& record : records) {
     if (record.NeedsReview()) ++review;
@@ -88,17 +95,24 @@ void Read(const ReadArgs& args) {
 
 void AddReadCommand(CLI::App& app, int& status) {
   auto* cmd = app.add_subcommand("read", "Read filled, scanned forms into a CSV file");
-  cmd->footer(
-      Wrap("Read filled forms: each form is one scanned image a page of the template, in page "
-           "order, form after form. One row a form, in the order given, with the template's items "
-           "as columns; with --json, one JSON record a form with every answer's status and "
-           "confidence. A file that cannot be read or a page that cannot be registered gives a "
-           "row with an error status and the reason; it never stops the others."));
+  cmd->footer(Wrap(
+      "Read filled forms: each form is one scanned image a page of the template, in page "
+      "order, form after form. One row a form, in the order given, with the template's items "
+      "as columns; with --json, one JSON record a form with every answer's status and "
+      "confidence, what needs review and why, and the score. A file that cannot be read or a "
+      "page that cannot be registered gives a row with an error status and the reason; it "
+      "never stops the others. With --key (a CSV file of question,answer lines, or filled "
+      "key sheets) the graded questions are scored: a score column, and each item's points "
+      "in the JSON. With --review DIR, every form to review gets a picture, DIR/FIRSTIMAGE.svg: "
+      "its scans with the bubbles as judged and what to look at outlined."));
   auto args = std::make_shared<ReadArgs>();
   cmd->add_option("TEMPLATE", args->file, "Template file (.omr, plain or zipped)")->required();
   cmd->add_option("SCANS", args->scans, "Scanned images (PNG, JPEG, TIFF, PCX)")->required();
   cmd->add_option("-o,--output", args->output, "CSV file to write")->required();
   cmd->add_option("--json", args->json, "JSON Lines file to write as well");
+  cmd->add_option("--key", args->keys,
+                  "Answer key: KEY.csv, or key sheet images (one sheet a test version)");
+  cmd->add_option("--review", args->review, "Folder for the review pictures (SVG)");
   cmd->add_option("-j,--jobs", args->jobs, "Forms read at once (default: one a core)")
       ->check(CLI::Range(1, 256));
   cmd->callback([args, &status] {

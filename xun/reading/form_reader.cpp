@@ -202,7 +202,8 @@ FormRecord FormReader::Read(const std::vector<std::string>& images) const {
   std::map<std::pair<size_t, size_t>, PageOutcome> tried;
   const auto attempt = [&](size_t image, size_t page) -> const PageOutcome& {
     auto at = tried.find({image, page});
-    if (at == tried.end()) at = tried.emplace(std::pair{image, page}, ReadPage(&images[image], page)).first;
+    if (at == tried.end())
+      at = tried.emplace(std::pair{image, page}, ReadPage(&images[image], page)).first;
     return at->second;
   };
   std::vector<size_t> order;
@@ -224,8 +225,8 @@ FormRecord FormReader::Read(const std::vector<std::string>& images) const {
     for (size_t k = 0; k < plan.items.size(); ++k) {
       const detail::ItemPlan& item = plan.items[k];
       if (item.id_type != 0)
-        record.identification.push_back({item.id_type, item.id_value, item.item > 0, item.region,
-                                         outcome.answers[k]});
+        record.identification.push_back(
+            {item.id_type, item.id_value, item.item > 0, item.region, outcome.answers[k]});
       if (item.item > 0) record.answers.push_back(std::move(outcome.answers[k]));
     }
     record.pages.push_back(std::move(outcome.page));

@@ -86,7 +86,7 @@ struct XUN_READING_API FormRecord {
   std::vector<ItemAnswer> answers;  // in the template's item order
   std::string error;                // the whole form could not be read: why
   std::vector<IdentificationReading> identification;
-  std::string respondent;  // the respondent tracker's value, when it was read
+  std::string respondent;            // the respondent tracker's value, when it was read
   std::vector<ReviewReason> review;  // what a person must look at, page by page
   FormScore score;
 

@@ -135,8 +135,9 @@ AnswerKey AnswerKey::FromCsvText(const std::string& text, const std::string& sou
       if (head == "question") continue;
       if (head == "version") {
         if (cells.size() < 2 || Lower(cells[1]) != "question")
-          throw std::runtime_error(where + ": a key by version has the columns version, question, "
-                                           "answer...");
+          throw std::runtime_error(where +
+                                   ": a key by version has the columns version, question, "
+                                   "answer...");
         versioned = true;
         continue;
       }
@@ -183,9 +184,9 @@ AnswerKey AnswerKey::FromSheets(const clsXUNTemplate& form, const FormReader& re
       if (!answer || answer->status != AnswerStatus::Clear)
         throw std::runtime_error(
             name + ": " +
-            (answer ? "its test version is not clear (" + std::string(StatusName(answer->status)) +
-                          ")"
-                    : std::string("several key sheets need a test version question")) +
+            (answer
+                 ? "its test version is not clear (" + std::string(StatusName(answer->status)) + ")"
+                 : std::string("several key sheets need a test version question")) +
             ": it cannot be told which version it is the key of");
       version = answer->value;
       if (key.versions.count(version))
@@ -237,6 +238,13 @@ Grader::Grader(const clsXUNTemplate& form, AnswerKey key)
 void Grader::Score(FormRecord& record) const {
   FormScore& score = record.score;
   score = FormScore{};
+  // A page not read is for review already; its answers say nothing of what was known.
+  if (!record.error.empty() ||
+      std::any_of(record.pages.begin(), record.pages.end(),
+                  [](const PageReading& page) { return !page.registered; })) {
+    score.error = "not every page was read: not scored";
+    return;
+  }
   const std::map<std::string, AnswerKey::Entry>* key = nullptr;
   if (const auto every = key_.versions.find(""); every != key_.versions.end()) {
     key = &every->second;
@@ -262,7 +270,11 @@ void Grader::Score(FormRecord& record) const {
     const Points& points = graded->second;
     const auto right = key->find(points.name);
     if (right == key->end()) continue;
-    ItemScore item{answer.item, answer.name, "incorrect", points.incorrect, points.extra_credit,
+    ItemScore item{answer.item,
+                   answer.name,
+                   "incorrect",
+                   points.incorrect,
+                   points.extra_credit,
                    answer.status != AnswerStatus::Clear && answer.status != AnswerStatus::Blank};
     const std::vector<std::string>& values = right->second.values;
     if (answer.status == AnswerStatus::Blank ||

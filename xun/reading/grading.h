@@ -49,7 +49,8 @@ class XUN_READING_API Grader {
 
   // Fills the record's score: each graded item's points (Correct, Incorrect or NoResponse) and
   // the total; an answer not clear scores by its value (MULT and ERROR never right) and is
-  // provisional. A form whose test version has no key is not scored, and is for review.
+  // provisional. A form whose test version has no key is not scored, and is for review; one with
+  // a page not read is not scored either. Call it once a record.
   void Score(FormRecord& record) const;
 
   struct Points {

@@ -35,7 +35,7 @@ std::vector<size_t> PageOrder(
       const auto named = std::find(page_ids.begin(), page_ids.end(), *id);
       if (named == page_ids.end()) break;  // no page of this form: Identify says so
       const size_t is = static_cast<size_t>(named - page_ids.begin());
-      if (is != page) continue;  // read as another page: try it as the one it names
+      if (is != page) continue;              // read as another page: try it as the one it names
       if (image_of[is] != pages) return {};  // two images of one page
       image_of[is] = image;
       moved = moved || is != image;
@@ -57,7 +57,8 @@ void Identify(FormRecord& record) {
     switch (id.role) {
       case xunIDTypeForm:
         if (read != id.expected)
-          Flag(record, id, "wrong form: read " + Quoted(read) + ", expected " + Quoted(id.expected));
+          Flag(record, id,
+               "wrong form: read " + Quoted(read) + ", expected " + Quoted(id.expected));
         break;
       case xunIDTypePage:
         if (read == id.expected) break;

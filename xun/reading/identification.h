@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "xun/reading/export.h"
 #include "xun/reading/form_record.h"
 
 namespace xun::reading::detail {
@@ -17,7 +18,7 @@ namespace xun::reading::detail {
 // (nothing when it does not register or the ID is not clear). Each image is taken as the page
 // its ID names, read as its own page first, then as each other page; empty unless that gives
 // every page exactly one image and another order than the one given.
-std::vector<size_t> PageOrder(
+XUN_READING_API std::vector<size_t> PageOrder(
     const std::vector<std::string>& page_ids,
     const std::function<std::optional<std::string>(size_t image, size_t page)>& read_id);
 

@@ -13,8 +13,8 @@
 namespace xun::reading {
 namespace {
 
-constexpr double kGap = 30;        // between pages
-constexpr double kLine = 18;       // a line of text
+constexpr double kGap = 30;   // between pages
+constexpr double kLine = 18;  // a line of text
 constexpr double kLegend = 30;
 
 std::string Escape(const std::string& text) {
@@ -139,8 +139,8 @@ void DrawPage(std::ostream& svg, const FormRecord& record, const PageReading& pa
   const double h = scan.png.empty() ? max_width * 11.0 / 8.5 : scan.height;
   if (scan.png.empty()) {
     svg << "<rect x=\"0\" y=\"" << N(y) << "\" width=\"" << N(w) << "\" height=\"" << N(h)
-        << "\" fill=\"#cccccc\"/>\n<text x=\"20\" y=\"" << N(y + 40) << "\">the scan is not shown: "
-        << Escape(why) << "</text>\n";
+        << "\" fill=\"#cccccc\"/>\n<text x=\"20\" y=\"" << N(y + 40)
+        << "\">the scan is not shown: " << Escape(why) << "</text>\n";
   } else {
     svg << "<image x=\"0\" y=\"" << N(y) << "\" width=\"" << N(w) << "\" height=\"" << N(h)
         << "\" preserveAspectRatio=\"none\" href=\"data:image/png;base64," << Base64(scan.png)
@@ -150,8 +150,8 @@ void DrawPage(std::ostream& svg, const FormRecord& record, const PageReading& pa
   svg << "<g class=\"bubbles\">\n";
   for (const BubbleReading& b : page.bubbles)
     svg << "<ellipse class=\"" << StateClass(b.state) << "\" cx=\"" << N(b.x * s) << "\" cy=\""
-        << N(y + b.y * s) << "\" rx=\"" << N(b.width * s / 2) << "\" ry=\""
-        << N(b.height * s / 2) << "\"/>\n";
+        << N(y + b.y * s) << "\" rx=\"" << N(b.width * s / 2) << "\" ry=\"" << N(b.height * s / 2)
+        << "\"/>\n";
   svg << "</g>\n";
   for (const ReviewReason& reason : record.review) {
     if (reason.page != page.page) continue;
@@ -210,8 +210,8 @@ std::string ReviewSvg(const FormRecord& record, int max_width) {
 
   std::ostringstream svg;
   svg << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-      << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << N(width) << "\" height=\""
-      << N(y) << "\" viewBox=\"-10 -10 " << N(width + 20) << " " << N(y + 20)
+      << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << N(width) << "\" height=\"" << N(y)
+      << "\" viewBox=\"-10 -10 " << N(width + 20) << " " << N(y + 20)
       << "\" font-family=\"sans-serif\" font-size=\"13\">\n"
       << "<title>" << Escape(record.images.empty() ? "form" : record.images.front())
       << " - to review</title>\n"
