@@ -271,7 +271,10 @@ grade)
     >key-marks.csv
   "$synthscan" "$examples/exam.omr" --marks key-marks.csv --dpi 200 --rotate -1 -o key.png \
     >/dev/null || fail "synthscan could not make key.png"
-  forms=(form1.png form2.png broken.png form3.png form4.png)
+  # A form with the key's answers, every mark clear: read, full marks, no picture.
+  "$synthscan" "$examples/exam.omr" --marks key-marks.csv --dpi 150 --seed 5 --rotate 0.5 \
+    -o clean.png >/dev/null || fail "synthscan could not make clean.png"
+  forms=(form1.png form2.png broken.png form3.png clean.png form4.png)
   "$tool" read "$examples/exam.omr" "${forms[@]}" -o csv.csv --json csv.jsonl --key key.csv \
     --review review >out.txt 2>err.txt || fail "read --key key.csv: $(cat out.txt err.txt)"
   [[ ! -s err.txt ]] || fail "read --key key.csv warned: $(cat err.txt)"
@@ -317,6 +320,9 @@ for row, form in zip(rows, forms):
                 raise SystemExit(f"FAIL: {picture} does not say {reason['why']}")
 if sum(row["status"] == "review" for row in rows) == 0:
     raise SystemExit("FAIL: no form to review: the pictures are not tested")
+clean = rows[forms.index(next(f for f in forms if f["form"] == "clean.png"))]
+if clean["status"] != "read" or clean["score"] != "10":
+    raise SystemExit(f"FAIL: clean.png: {clean}")
 PY
   review=$(grep -l 'class="flagged"' review/*.svg | head -1)
   [[ -n $review ]] || fail "no review picture outlines an answer"
