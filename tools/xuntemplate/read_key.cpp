@@ -1,6 +1,7 @@
 #include "read_key.h"
 
 #include <algorithm>
+#include <cctype>
 #include <iostream>
 
 #include "tool.h"

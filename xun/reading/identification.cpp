@@ -30,12 +30,14 @@ std::vector<size_t> PageOrder(
     for (size_t page = 0; page < pages; ++page)
       if (page != image) tries.push_back(page);
     for (size_t page : tries) {
-      const std::optional<std::string> id = read_id(image, page);
+      std::optional<std::string> id = read_id(image, page);
       if (!id) continue;
       const auto named = std::find(page_ids.begin(), page_ids.end(), *id);
       if (named == page_ids.end()) break;  // no page of this form: Identify says so
       const size_t is = static_cast<size_t>(named - page_ids.begin());
-      if (is != page) continue;              // read as another page: try it as the one it names
+      // Read as another page, it names its own: it must read so as that page too.
+      if (is != page) id = read_id(image, is);
+      if (id != page_ids[is]) break;
       if (image_of[is] != pages) return {};  // two images of one page
       image_of[is] = image;
       moved = moved || is != image;

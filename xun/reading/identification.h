@@ -15,9 +15,10 @@ namespace xun::reading::detail {
 
 // The image of each page, when the images came in another order than the pages: `page_ids` are
 // the pages' page ID values, `read_id(image, page)` the page ID an image reads as that page
-// (nothing when it does not register or the ID is not clear). Each image is taken as the page
-// its ID names, read as its own page first, then as each other page; empty unless that gives
-// every page exactly one image and another order than the one given.
+// (nothing when it does not register or the ID is not clear). Each image is read as its own page
+// first, then as each other page until it registers with a clear ID; it is the page that ID
+// names if it reads so as that page too. Empty unless that gives every page exactly one image
+// and another order than the one given.
 XUN_READING_API std::vector<size_t> PageOrder(
     const std::vector<std::string>& page_ids,
     const std::function<std::optional<std::string>(size_t image, size_t page)>& read_id);
