@@ -7,6 +7,7 @@
 // judged the other way, or a wrong answer is not flagged.
 #include <opencv2/core.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -81,6 +82,7 @@ int main(int argc, char** argv) {
   std::map<ss::Truth, std::map<MarkState, long>> confusion;
   long answers = 0, right = 0, wrong_flagged = 0, wrong_silent = 0, flagged = 0, unread = 0;
   long sheets_to_review = 0;
+  double least_found = 1;  // the smallest share of the printed bubbles a registration found
   for (int i = 0; i < sheets; ++i) {
     int dpi = 0;
     std::string scanner;
@@ -99,6 +101,8 @@ int main(int argc, char** argv) {
       continue;
     }
     if (record.NeedsReview()) ++sheets_to_review;
+    least_found = std::min(least_found, static_cast<double>(record.pages[0].bubbles_found) /
+                                            record.pages[0].bubbles_printed);
     std::map<std::tuple<std::string, int, int>, MarkState> judged;
     std::map<std::tuple<std::string, int, int>, int> fills;
     for (const auto& b : record.pages[0].bubbles) {
@@ -141,7 +145,9 @@ int main(int argc, char** argv) {
   }
   std::filesystem::remove(file);
 
-  std::printf("\n%d sheets, %ld not read\n\nbubbles: truth x judgement\n", sheets, unread);
+  std::printf("\n%d sheets, %ld not read; the fewest bubbles a registration found: %.1f%%\n",
+              sheets, unread, 100 * least_found);
+  std::printf("\nbubbles: truth x judgement\n");
   std::printf("%-10s %10s %10s %10s\n", "", "unmarked", "doubtful", "marked");
   for (const ss::Truth t : {ss::Truth::kUnmarked, ss::Truth::kMarked, ss::Truth::kAmbiguous})
     std::printf("%-10s %10ld %10ld %10ld\n", ss::TruthName(t).c_str(),

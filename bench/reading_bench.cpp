@@ -1,7 +1,6 @@
-// Reading a filled form at 300 dpi: a one-page letter form of 200 bubbles (two columns of 20
-// questions by 5 choices), printed, marked by a made-up respondent and scanned turned and noisy.
-// What the reading costs (registration, every region, the record) against decoding its image
-// file alone, one core.
+// Reading a filled form at 300 dpi: the letter form of 200 bubbles (letter_form.h), printed,
+// marked by a made-up respondent and scanned turned and noisy. What the reading costs
+// (registration, every region, the record) against decoding its image file alone, one core.
 #include <benchmark/benchmark.h>
 #include <opencv2/core.hpp>
 
@@ -9,6 +8,7 @@
 #include <string>
 
 #include "engine/image_file.h"
+#include "letter_form.h"
 #include "synthscan/image_files.h"
 #include "synthscan/printed_page.h"
 #include "synthscan/synthetic_scan.h"
@@ -19,36 +19,8 @@ namespace {
 
 constexpr int kDpi = 300;
 
-std::shared_ptr<xun::clsXUNTemplate> Form() {
-  auto form = xun::clsXUNTemplate::Create();
-  form->PageWidth(8.5);
-  form->PageHeight(11);
-  auto page = xun::clsXUNPage::Create();
-  form->Pages()->Add(page);
-  for (int column = 0; column < 2; ++column) {
-    auto field = xun::clsXUNField::Create();
-    field->FieldName(column ? "Right" : "Left");
-    field->RecognitionType(xun::xunRecogTypeOMR);
-    field->FieldType(xun::xunFieldTypeOMRMult);
-    field->Orient(xun::xunOrientationTypeOMRRow);
-    field->NumRows(20);
-    field->NumCols(5);
-    field->Left(static_cast<int16_t>(150 + 350 * column));
-    field->Top(150);
-    field->Right(static_cast<int16_t>(350 + 350 * column));
-    field->Bottom(750);
-    field->StartCol(10);
-    field->StartRow(8);
-    field->ColGap(40);
-    field->RowGap(30);
-    page->Fields()->Add(field);
-    field->Questions()->Update();
-  }
-  return form;
-}
-
 struct Fixture {
-  std::shared_ptr<xun::clsXUNTemplate> form = Form();
+  std::shared_ptr<xun::clsXUNTemplate> form = xunbench::LetterForm();
   std::string png, jpeg;
   Fixture() {
     cv::setNumThreads(1);

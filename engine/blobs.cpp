@@ -45,6 +45,25 @@ std::vector<Blob> Components(const cv::Mat& dark, const cv::Rect& region) {
   return blobs;
 }
 
+std::vector<Blob> ComponentsUpTo(const cv::Mat& dark, const cv::Rect& region, int max_height) {
+  const cv::Rect r = region & cv::Rect(0, 0, dark.cols, dark.rows);
+  const int overlap = std::max(max_height, 1) + 1;
+  // Each band owns the components whose top lies in its own rows and reads `overlap` rows on
+  // either side. A component that touches a band's cut edge goes on beyond the band: it is
+  // either taller than `max_height` or found whole by the band that owns it.
+  const int step = std::max(256, 2 * overlap);
+  std::vector<Blob> blobs;
+  for (int top = r.y; top < r.br().y; top += step) {
+    const int from = std::max(r.y, top - overlap), to = std::min(r.br().y, top + step + overlap);
+    for (const Blob& b : Components(dark, cv::Rect(r.x, from, r.width, to - from))) {
+      const bool cut = (b.box.y == from && from > r.y) || (b.box.br().y == to && to < r.br().y);
+      if (!cut && b.box.y >= top && b.box.y < top + step && b.box.height <= max_height)
+        blobs.push_back(b);
+    }
+  }
+  return blobs;
+}
+
 std::vector<Blob> BubbleShaped(const std::vector<Blob>& blobs, cv::Size2d min, cv::Size2d max) {
   std::vector<Blob> sized;
   for (const Blob& b : blobs)

@@ -19,6 +19,11 @@ struct Blob {
 // The dark components inside `region` (pixels of the image), cut at its edges.
 std::vector<Blob> Components(const cv::Mat& dark, const cv::Rect& region);
 
+// The same for the components at most `max_height` pixels tall (taller ones are left out),
+// found band by band so that the labels never cover more than a band of the region: what a
+// reader looking for bubbles over most of a page needs, in a small share of the memory.
+std::vector<Blob> ComponentsUpTo(const cv::Mat& dark, const cv::Rect& region, int max_height);
+
 // Components that could be bubbles: each side within [min, max] pixels, not drawn inside another
 // such component's box (the choice letter inside a bubble's outline). None when more than 20000
 // components have a bubble's size: that is noise, not a form.

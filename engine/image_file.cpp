@@ -2,10 +2,14 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstring>
+#include <fstream>
+#include <string_view>
 
 #include "engine/engine_error.h"
 #include "engine/xunrec.h"
 #include "imagefile/decode_error.h"
+#include "imagefile/file_format.h"
 #include "imagefile/image_file.h"
 
 namespace xunrec {
@@ -42,13 +46,33 @@ void SetMaxPixels(int64_t pixels) {
   pixel_limit = std::min(pixels, xun::imagefile::kMaxPixels);
 }
 
-cv::Mat DecodeGrey(const std::string& path) {
+cv::Mat DecodeGrey(const std::string& path, int32_t page) {
   try {
     const auto file = xun::imagefile::ImageFile::Open(path, {MaxPixels()});
-    const xun::imagefile::DecodedPage page = file.Decode(0);
-    cv::Mat grey(page.Height(), page.Width(), CV_8UC1);
-    page.ReadGrey({0, 0, page.Width(), page.Height()}, grey.data, grey.step);
+    cv::Mat grey;
+    file.DecodeGrey(page, [&grey](int32_t width, int32_t height) {
+      grey.create(height, width, CV_8UC1);
+      return xun::imagefile::GreyRows{grey.data, grey.step};
+    });
     return grey;
+  } catch (const DecodeError& e) {
+    throw EngineError(CodeOf(e.Failure()));
+  }
+}
+
+int32_t PageCount(const std::string& path) {
+  // Only a TIFF or a DCX holds several pages, and its first bytes tell: a batch of PNG or JPEG
+  // scans is not read twice for this.
+  {
+    std::ifstream in(path, std::ios::binary);
+    char first[128] = {};
+    in.read(first, sizeof first);
+    const char* format =
+        xun::imagefile::SniffFormat(std::string_view(first, static_cast<size_t>(in.gcount())));
+    if (format && std::strcmp(format, "TIFF") != 0 && std::strcmp(format, "DCX") != 0) return 1;
+  }
+  try {
+    return xun::imagefile::ImageFile::Open(path, {MaxPixels()}).PageCount();
   } catch (const DecodeError& e) {
     throw EngineError(CodeOf(e.Failure()));
   }

@@ -14,9 +14,13 @@ namespace xunrec {
 int64_t MaxPixels();
 void SetMaxPixels(int64_t pixels);
 
-// The first page of a TIFF, PNG, JPEG, PCX or DCX file as grey, 0 black, transparency on white
-// paper. The size is checked before the pixels are decoded: nothing larger than MaxPixels() or
-// 32767 either way is allocated. Throws EngineError (file not found, not an image, too large).
-cv::Mat DecodeGrey(const std::string& path);
+// Page `page` (from 0) of a TIFF, PNG, JPEG, PCX or DCX file as grey, 0 black, transparency on
+// white paper. The size is checked before the pixels are decoded: nothing larger than MaxPixels()
+// or 32767 either way is allocated. Throws EngineError (file not found, not an image, too large;
+// not an image for a page the file does not have).
+cv::Mat DecodeGrey(const std::string& path, int32_t page = 0);
+
+// How many pages the file holds (a TIFF or DCX may hold several). Throws EngineError.
+int32_t PageCount(const std::string& path);
 
 }  // namespace xunrec

@@ -3,75 +3,32 @@
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <utility>
 
 #include "engine/engine_error.h"
+#include "engine/ink.h"
 #include "engine/xunrec.h"
 
 namespace xunrec {
-namespace {
-
-// Darker than the paper around it by this much (of 255) is ink: light pencil (40% grey) passes;
-// scanner noise, paper texture and the grey fringe a blurred scan puts around every stroke do
-// not.
-constexpr double kLocalContrast = 64;
-// This dark is ink whatever surrounds it: the inside of a solid area larger than the
-// neighbourhood (a logo, a thick bar) is as dark as its surroundings.
-constexpr double kAbsoluteDark = 64;
-// Below this range from paper to ink (of 255) a page is not taken to have less contrast still:
-// it is blank, or all one grey.
-constexpr int kMinRange = 96;
-
-// The grey of the paper and of the darkest ink, from a sample of the page: the median and the
-// 0.2nd percentile. A scan with little contrast (a faint copy, a dark scanner setting) has the
-// two close together.
-std::pair<int, int> PaperAndInk(const cv::Mat& grey) {
-  std::array<int64_t, 256> counts{};
-  int64_t n = 0;
-  const int step = std::max(1, std::min(grey.rows, grey.cols) / 400);
-  for (int y = 0; y < grey.rows; y += step) {
-    const uint8_t* row = grey.ptr<uint8_t>(y);
-    for (int x = 0; x < grey.cols; x += step, ++n)
-      ++counts[row[x]];
-  }
-  const auto level = [&](double share) {
-    int64_t seen = 0;
-    for (int v = 0; v < 256; ++v)
-      if ((seen += counts[static_cast<size_t>(v)]) > share * static_cast<double>(n)) return v;
-    return 255;
-  };
-  return {level(0.5), level(0.002)};
-}
-
-int Odd(double value, int minimum) {
-  const int n = std::max(minimum, static_cast<int>(std::lround(value)));
-  return n | 1;
-}
-
-}  // namespace
 
 cv::Mat Binarise(const cv::Mat& grey, int dpi) {
+  const InkRule rule = InkRuleOf(grey, dpi);
   cv::Mat dark;
-  // Only black and white: a 1-bit scan, taken as it is.
-  cv::Mat between;
-  cv::inRange(grey, 1, 254, between);
-  if (cv::countNonZero(between) == 0) {
+  if (rule.bilevel) {
     cv::compare(grey, 128, dark, cv::CMP_LT);
     return dark;
   }
-  // Grey: each pixel against the mean of half an inch around it, so uneven lighting and light
-  // pencil are both handled. No smoothing first: it would widen every stroke by a pixel, and
-  // the contrast asked for is well above scanner noise. Both levels are taken as shares of the
-  // page's own range from paper to ink, so a scan of half the contrast reads as the original.
-  const auto [paper, ink] = PaperAndInk(grey);
-  const double range = std::clamp(paper - ink, kMinRange, 255) / 255.0;
+  // Each pixel against the mean around it, then the solid level, row by row rather than through
+  // a mask of the page: a reader holds one page per core.
   cv::adaptiveThreshold(grey, dark, 255, cv::ADAPTIVE_THRESH_MEAN_C, cv::THRESH_BINARY_INV,
-                        Odd(dpi / 2.0, 3), kLocalContrast * range);
-  cv::Mat solid;
-  cv::compare(grey, ink + kAbsoluteDark * range, solid, cv::CMP_LT);
-  cv::bitwise_or(dark, solid, dark);
+                        rule.window, rule.contrast);
+  for (int y = 0; y < grey.rows; ++y) {
+    const uint8_t* g = grey.ptr<uint8_t>(y);
+    uint8_t* d = dark.ptr<uint8_t>(y);
+    for (int x = 0; x < grey.cols; ++x)
+      if (g[x] < rule.solid) d[x] = 255;
+  }
   return dark;
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "imagefile/frames.h"
+#include "imagefile/luma.h"
 
 namespace xun::imagefile {
 namespace {
@@ -17,17 +18,6 @@ double PerInch(double value, ResolutionType units) {
   if (units == PixelsPerInchResolution) return value;
   if (units == PixelsPerCentimeterResolution) return value * 2.54;
   return 0;
-}
-
-// Luminance in 14-bit fixed point (0.299, 0.587, 0.114), rounded: the grey of the usual image
-// libraries to the last level.
-uint8_t Luma(uint32_t r, uint32_t g, uint32_t b) {
-  return static_cast<uint8_t>((r * 4899 + g * 9617 + b * 1868 + (1u << 13)) >> 14);
-}
-
-// A value with coverage `alpha` over white paper.
-uint8_t OnPaper(uint32_t value, uint32_t alpha) {
-  return static_cast<uint8_t>((value * alpha + 127) / 255 + (255 - alpha));
 }
 
 enum class Kind { kGrey, kRgb };

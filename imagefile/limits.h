@@ -18,4 +18,8 @@ struct Limits {
   int64_t max_pixels = kMaxPixels;
 };
 
+// Refuses a page of `width` x `height` pixels: empty (kNotAnImage), over kMaxSide either way or
+// over the pixel limit (kTooLarge). A DecodeError.
+void CheckPageSize(int64_t width, int64_t height, const Limits& limits);
+
 }  // namespace xun::imagefile

@@ -20,6 +20,8 @@ PACKAGES=(
   libzip-dev         # template archives
   libgraphicsmagick1-dev    # page images: TIFF, PNG, JPEG, PCX, DCX in, PCX out
   libgraphicsmagick++1-dev  # the recognition tests and make_examples draw page images with it
+  libpng-dev         # PNG scans read straight to grey
+  libjpeg-dev        # JPEG scans read straight to grey
   libzxing-dev       # barcode type detection; the tests draw barcodes with it
   libopencv-dev      # the recognition engine's image work (core and imgproc)
   libcli11-dev       # the xuntemplate command line

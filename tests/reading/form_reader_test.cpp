@@ -156,5 +156,50 @@ TEST_F(FormReaderTest, WhatIsNotThisFormIsRefusedWithAReason) {
   EXPECT_FALSE(reader.Read({}).error.empty());
 }
 
+// The pages of a form come as one image file each or all in one multi-page TIFF, and read the same
+// either way; pages too many or too few are said so.
+TEST_F(FormReaderTest, AMultiPageTiffIsTheFormsPagesInOrder) {
+  auto quiz = clsXUNTemplate::Create();
+  ASSERT_TRUE(quiz->Read(std::string(XUN_EXAMPLES_DIR) + "/batch-quiz.omr"));
+  ASSERT_EQ(quiz->NumPages(), 2);
+  std::vector<cv::Mat> scans;
+  for (int page = 1; page <= 2; ++page) {
+    ss::Distortions d;
+    d.rotate = page == 1 ? 1 : -1;
+    scans.push_back(ss::MakeScan(*quiz, page, ss::PrintedPage(*quiz, page, 150), 150,
+                                 ss::RandomMarks(*quiz->Pages()->Item(page), 5), d, 5)
+                        .image);
+    ss::WriteGreyImage(folder_.File("page" + std::to_string(page) + ".png"), scans.back(), 150,
+                       false, 0);
+  }
+  ss::WriteGreyTiffPages(folder_.File("form.tif"), scans, 150);
+  ss::WriteGreyTiffPages(folder_.File("three.tif"), {scans[0], scans[1], scans[0]}, 150);
+  const FormReader reader(*quiz);
+  quiz->Free();
+
+  const FormRecord apart = reader.Read({folder_.File("page1.png"), folder_.File("page2.png")});
+  const FormRecord together = reader.Read({folder_.File("form.tif")});
+  ASSERT_TRUE(together.error.empty()) << together.error;
+  ASSERT_EQ(together.pages.size(), 2u);
+  for (int p = 0; p < 2; ++p) {
+    EXPECT_TRUE(together.pages[static_cast<size_t>(p)].registered);
+    EXPECT_EQ(together.pages[static_cast<size_t>(p)].frame, p);
+  }
+  ASSERT_EQ(together.answers.size(), apart.answers.size());
+  size_t read = 0;
+  for (size_t i = 0; i < apart.answers.size(); ++i) {
+    EXPECT_EQ(together.answers[i].value, apart.answers[i].value) << apart.answers[i].name;
+    if (apart.answers[i].status != AnswerStatus::Error) ++read;
+  }
+  EXPECT_GT(read, 10u);
+
+  const FormRecord three = reader.Read({folder_.File("three.tif")});
+  EXPECT_EQ(three.error, "3 pages scanned for a form of 2 pages");
+  EXPECT_TRUE(three.NeedsReview());
+  const FormRecord one = reader.Read({folder_.File("page1.png")});
+  EXPECT_EQ(one.error, "1 page scanned for a form of 2 pages");
+  EXPECT_FALSE(one.pages[1].error.empty());
+}
+
 }  // namespace
 }  // namespace xun::reading

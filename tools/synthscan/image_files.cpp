@@ -98,6 +98,25 @@ void WriteGreyImage(const std::string& file, const cv::Mat& grey, int dpi, bool 
   }
 }
 
+void WriteGreyTiffPages(const std::string& file, const std::vector<cv::Mat>& pages, int dpi) {
+  StartMagick();
+  try {
+    std::vector<Magick::Image> images;
+    for (const cv::Mat& page : pages) {
+      Magick::Image& image = images.emplace_back(ToMagick(page));
+      image.resolutionUnits(Magick::PixelsPerInchResolution);
+      image.density(Magick::Geometry(static_cast<unsigned>(dpi), static_cast<unsigned>(dpi)));
+      image.type(Magick::GrayscaleType);
+      image.depth(8);
+      image.magick("TIFF");
+      image.compressType(Magick::LZWCompression);
+    }
+    Magick::writeImages(images.begin(), images.end(), file, true);
+  } catch (const Magick::Exception& e) {
+    throw std::runtime_error(file + ": cannot be written: " + e.what());
+  }
+}
+
 cv::Mat JpegRoundTrip(const cv::Mat& grey, int quality) {
   StartMagick();
   Magick::Image image = ToMagick(grey);

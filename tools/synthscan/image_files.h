@@ -5,6 +5,7 @@
 #include <opencv2/core.hpp>
 
 #include <string>
+#include <vector>
 
 namespace xun::synthscan {
 
@@ -22,6 +23,9 @@ cv::Mat ReadGreyImage(const std::string& file, int& dpi);
 // (PNG or TIFF only), JPEG at `jpeg_quality`. Throws std::runtime_error when it cannot.
 void WriteGreyImage(const std::string& file, const cv::Mat& grey, int dpi, bool bilevel,
                     int jpeg_quality);
+
+// Several grey pages as one multi-page TIFF (LZW), as a scanner's document feeder gives them.
+void WriteGreyTiffPages(const std::string& file, const std::vector<cv::Mat>& pages, int dpi);
 
 // `grey` after it has been saved as a JPEG at `quality` and read back.
 cv::Mat JpegRoundTrip(const cv::Mat& grey, int quality);

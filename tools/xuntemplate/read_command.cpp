@@ -53,17 +53,20 @@ void Read(const ReadArgs& args) {
   std::optional<xun::reading::Grader> grader;
   if (!args.keys.empty()) grader.emplace(GraderFor(*t, reader, args.keys));
   const size_t pages = static_cast<size_t>(std::max(reader.NumPages(), 1));
-  // The scans of a form are one image a page, in page order, form after form.
-  std::vector<std::vector<std::string>> forms;
-  for (size_t i = 0; i < args.scans.size(); i += pages)
+  // The scans of a form are its pages in page order (an image file a page, or a multi-page
+  // TIFF), form after form.
+  const std::vector<xun::reading::ScanPage> scanned = xun::reading::PagesOf(args.scans);
+  std::vector<std::vector<xun::reading::ScanPage>> forms;
+  for (size_t i = 0; i < scanned.size(); i += pages)
     forms.emplace_back(
-        args.scans.begin() + static_cast<std::ptrdiff_t>(i),
-        args.scans.begin() + static_cast<std::ptrdiff_t>(std::min(args.scans.size(), i + pages)));
+        scanned.begin() + static_cast<std::ptrdiff_t>(i),
+        scanned.begin() + static_cast<std::ptrdiff_t>(std::min(scanned.size(), i + pages)));
 
   // Each worker reads with images of its own: the reader keeps no image between forms.
   const size_t jobs = std::clamp<size_t>(
       args.jobs > 0 ? static_cast<size_t>(args.jobs) : std::thread::hardware_concurrency(), 1,
       std::max<size_t>(forms.size(), 1));
+  xun::reading::SetImageThreads(1);  // the forms are spread over the cores instead
   std::vector<xun::reading::FormRecord> records(forms.size());
   std::atomic<size_t> next{0};
   Progress progress(forms.size());
@@ -71,7 +74,7 @@ void Read(const ReadArgs& args) {
   for (size_t w = 0; w < jobs; ++w)
     workers.emplace_back([&] {
       for (size_t i = next++; i < forms.size(); i = next++) {
-        records[i] = reader.Read(forms[i]);
+        records[i] = reader.ReadPages(forms[i]);
         if (grader) grader->Score(records[i]);
         progress.Done();
       }
@@ -96,18 +99,19 @@ void Read(const ReadArgs& args) {
 void AddReadCommand(CLI::App& app, int& status) {
   auto* cmd = app.add_subcommand("read", "Read filled, scanned forms into a CSV file");
   cmd->footer(Wrap(
-      "Read filled forms: each form is one scanned image a page of the template, in page "
-      "order, form after form. One row a form, in the order given, with the template's items "
-      "as columns; with --json, one JSON record a form with every answer's status and "
-      "confidence, what needs review and why, and the score. A file that cannot be read or a "
-      "page that cannot be registered gives a row with an error status and the reason; it "
-      "never stops the others. With --key (a CSV file of question,answer lines, or filled "
-      "key sheets) the graded questions are scored: a score column, and each item's points "
-      "in the JSON. With --review DIR, every form to review gets a picture, DIR/FIRSTIMAGE.svg: "
-      "its scans with the bubbles as judged and what to look at outlined."));
+      "Read filled forms: each form is one scanned page a page of the template, in page "
+      "order, form after form; a multi-page TIFF gives all its pages. One row a form, in the "
+      "order given, with the template's items as columns; with --json, one JSON record a form "
+      "with every answer's status and confidence, what needs review and why, and the score. A "
+      "file that cannot be read or a page that cannot be registered gives a row with an error "
+      "status and the reason; it never stops the others. With --key (a CSV file of "
+      "question,answer lines, or filled key sheets) the graded questions are scored: a score "
+      "column, and each item's points in the JSON. With --review DIR, every form to review gets "
+      "a picture, DIR/FIRSTIMAGE.svg: its scans with the bubbles as judged and what to look at "
+      "outlined."));
   auto args = std::make_shared<ReadArgs>();
   cmd->add_option("TEMPLATE", args->file, "Template file (.omr, plain or zipped)")->required();
-  cmd->add_option("SCANS", args->scans, "Scanned images (PNG, JPEG, TIFF, PCX)")->required();
+  cmd->add_option("SCANS", args->scans, "Scanned images (PNG, JPEG, TIFF, PCX, DCX)")->required();
   cmd->add_option("-o,--output", args->output, "CSV file to write")->required();
   cmd->add_option("--json", args->json, "JSON Lines file to write as well");
   cmd->add_option("--key", args->keys,

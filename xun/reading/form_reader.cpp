@@ -5,15 +5,14 @@
 #include <map>
 #include <optional>
 
-#include "engine/bubble_fill.h"
 #include "engine/engine_error.h"
 #include "engine/grid_check.h"
 #include "engine/image_file.h"
-#include "engine/page_image.h"
 #include "engine/xunrec.h"
 #include "xun/reading/identification.h"
 #include "xun/reading/reading_plan.h"
 #include "xun/reading/review_list.h"
+#include "xun/reading/scanned_page.h"
 
 namespace xun::reading {
 namespace {
@@ -37,23 +36,23 @@ std::string EngineMessage(int16_t code) {
 
 // Every printed bubble's net fill on the registered scan: its fill where the fit puts it, less
 // the fill of the blank printed bubble. `placed` gets where each lies on the image.
-std::vector<int16_t> NetFills(const xunrec::PageImage& image, const detail::PageFit& fit,
+std::vector<int16_t> NetFills(const detail::ScannedPage& page, const detail::PageFit& fit,
                               const PagePlan& plan, std::vector<cv::Rect2d>& placed) {
   std::vector<int16_t> fills(plan.printed.centres.size(), 0);
   placed.assign(fills.size(), {});
   for (const auto& [first, count] : plan.regions) {
-    xunrec::Grid grid;
     const cv::Point2d middle = plan.printed.centres[static_cast<size_t>(first)];
     const cv::Size2d per_unit = fit.ScaleAt(middle);
     const cv::Size2d size = plan.printed.sizes[static_cast<size_t>(first)];
-    grid.bubble = cv::Size2d(size.width * per_unit.width, size.height * per_unit.height);
+    std::vector<cv::Point2d> centres;
     for (int i = first; i < first + count; ++i)
-      grid.bubble_centres.push_back(fit.Map(plan.printed.centres[static_cast<size_t>(i)]));
-    const std::vector<int16_t> region = xunrec::FillPercents(image, grid);
+      centres.push_back(fit.Map(plan.printed.centres[static_cast<size_t>(i)]));
+    const cv::Size2d bubble(size.width * per_unit.width, size.height * per_unit.height);
+    const std::vector<int16_t> region = page.FillPercents(centres, bubble);
     for (int i = 0; i < count; ++i) {
       const size_t at = static_cast<size_t>(first + i);
-      const cv::Point2d& centre = grid.bubble_centres[static_cast<size_t>(i)];
-      placed[at] = cv::Rect2d(centre.x, centre.y, grid.bubble.width, grid.bubble.height);
+      const cv::Point2d& centre = centres[static_cast<size_t>(i)];
+      placed[at] = cv::Rect2d(centre.x, centre.y, bubble.width, bubble.height);
       fills[at] =
           static_cast<int16_t>(std::max(0, region[static_cast<size_t>(i)] - plan.blank_fills[at]));
     }
@@ -126,6 +125,10 @@ std::optional<std::string> PageIDRead(const detail::ReadingPlan& plans, size_t p
 
 }  // namespace
 
+void SetImageThreads(int threads) {
+  cv::setNumThreads(threads > 0 ? threads : -1);
+}
+
 FormReader::FormReader(const clsXUNTemplate& form, MarkThresholds thresholds)
     : plan_(std::make_unique<detail::ReadingPlan>(detail::PlanOf(form))), thresholds_(thresholds) {}
 
@@ -135,8 +138,12 @@ int32_t FormReader::NumPages() const {
   return static_cast<int32_t>(plan_->pages.size());
 }
 
-// One image read as one page of the form: its registration, bubbles and answers.
-PageOutcome FormReader::ReadPage(const std::string* file, size_t p) const {
+FormRecord FormReader::Read(const std::vector<std::string>& images) const {
+  return ReadPages(PagesOf(images));
+}
+
+// One scanned page read as one page of the form: its registration, bubbles and answers.
+PageOutcome FormReader::ReadPage(const ScanPage* scan, size_t p) const {
   const PagePlan& plan = plan_->pages[p];
   PageOutcome out;
   PageReading& page = out.page;
@@ -144,22 +151,25 @@ PageOutcome FormReader::ReadPage(const std::string* file, size_t p) const {
   page.bubbles_printed = static_cast<int32_t>(plan.printed.centres.size());
   std::vector<BubbleRead> reads;
   bool read = false;
-  if (!file) {
+  if (!scan) {
     page.error = "no image for this page";
   } else {
-    page.image = *file;
+    page.image = scan->file;
+    page.frame = scan->frame;
     try {
-      cv::Mat grey = xunrec::DecodeGrey(*file);
+      cv::Mat grey = xunrec::DecodeGrey(scan->file, scan->frame);
       // The resolution is the page's size on the image: a scan is the whole page, whatever
       // resolution its file claims (the fit takes up a few percent of difference).
       const double xdpi = grey.cols * 100.0 / plan_->page_width;
       const double ydpi = grey.rows * 100.0 / plan_->page_height;
-      const auto image =
-          xunrec::PageImage::FromGrey(std::move(grey), std::max(1, static_cast<int>(xdpi + 0.5)),
-                                      std::max(1, static_cast<int>(ydpi + 0.5)));
+      const detail::ScannedPage scanned(std::move(grey),
+                                        std::max(1, static_cast<int>(std::max(xdpi, ydpi) + 0.5)));
+      // The bubbles are found on the small copy; the fit is then taken to the whole page.
+      const int f = scanned.Factor();
       std::string why;
-      const auto fit =
-          detail::FitPage(image->Dark(), xdpi, ydpi, plan.printed, detail::FitLimits{}, why);
+      auto fit = detail::FitPage(scanned.SmallDark(), xdpi / f, ydpi / f, plan.printed,
+                                 detail::FitLimits{}, why);
+      if (fit) fit->transform = cv::Matx33d(f, 0, 0, 0, f, 0, 0, 0, 1) * fit->transform;
       if (!fit) {
         page.error = "not registered: " + why;
       } else {
@@ -168,7 +178,7 @@ PageOutcome FormReader::ReadPage(const std::string* file, size_t p) const {
         page.fit_error = fit->error;
         page.bubbles_found = fit->found;
         std::vector<cv::Rect2d> placed;
-        const std::vector<int16_t> nets = NetFills(*image, *fit, plan, placed);
+        const std::vector<int16_t> nets = NetFills(scanned, *fit, plan, placed);
         for (size_t i = 0; i < nets.size(); ++i) {
           reads.push_back(Judge(nets[i], thresholds_));
           page.bubbles.push_back({plan.ids[i].region, plan.ids[i].row, plan.ids[i].col, nets[i],
@@ -190,15 +200,18 @@ PageOutcome FormReader::ReadPage(const std::string* file, size_t p) const {
   return out;
 }
 
-FormRecord FormReader::Read(const std::vector<std::string>& images) const {
+FormRecord FormReader::ReadPages(const std::vector<ScanPage>& images) const {
   FormRecord record;
-  record.images = images;
+  for (const ScanPage& scan : images)
+    if (record.images.empty() || record.images.back() != scan.file)
+      record.images.push_back(scan.file);
   const size_t pages = plan_->pages.size();
   if (images.size() != pages)
-    record.error = std::to_string(images.size()) + (images.size() == 1 ? " image" : " images") +
-                   " for a form of " + std::to_string(pages) + (pages == 1 ? " page" : " pages");
-  // Each image is read as the page it stands for; then, when the pages carry page IDs, as the
-  // page its ID names if the images came in another order.
+    record.error = std::to_string(images.size()) + (images.size() == 1 ? " page" : " pages") +
+                   " scanned for a form of " + std::to_string(pages) +
+                   (pages == 1 ? " page" : " pages");
+  // Each scanned page is read as the page it stands for; then, when the pages carry page IDs, as
+  // the page its ID names if the pages came in another order.
   std::map<std::pair<size_t, size_t>, PageOutcome> tried;
   const auto attempt = [&](size_t image, size_t page) -> const PageOutcome& {
     auto at = tried.find({image, page});

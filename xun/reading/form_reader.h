@@ -10,6 +10,7 @@
 #include "xun/reading/export.h"
 #include "xun/reading/form_record.h"
 #include "xun/reading/mark_judgement.h"
+#include "xun/reading/scan_pages.h"
 
 namespace xun::reading {
 
@@ -17,8 +18,13 @@ namespace detail {
 struct ReadingPlan;
 }
 
-// One image read as one page of the form: its registration and bubbles, and the answers of the
-// page's items (hidden identification questions too), in the reading plan's order.
+// How many threads the image work of one form may use (OpenCV's own; 0 for its default, every
+// core). A host that reads several forms at once, one a thread, sets 1: the forms keep the cores
+// busy, and a form's work split over them as well only makes the threads wait for each other.
+XUN_READING_API void SetImageThreads(int threads);
+
+// One scanned page read as one page of the form: its registration and bubbles, and the answers
+// of the page's items (hidden identification questions too), in the reading plan's order.
 struct PageOutcome {
   PageReading page;
   std::vector<ItemAnswer> answers;
@@ -35,15 +41,17 @@ class XUN_READING_API FormReader {
 
   int32_t NumPages() const;
 
-  // One image file for each page of the template, in page order (when the pages carry page IDs,
-  // images in another order are put in order by them). Never throws: a file that cannot be read,
-  // a page that cannot be registered, too few or too many images are in the record, its pages and
-  // its answers (ErrorReturn, status error); identification is checked and everything a person
-  // must look at is in the record's review list.
+  // One scanned page for each page of the template, in page order (when the pages carry page
+  // IDs, pages in another order are put in order by them). Never throws: a file that cannot be
+  // read, a page that cannot be registered, too few or too many pages are in the record, its
+  // pages and its answers (ErrorReturn, status error); identification is checked and everything
+  // a person must look at is in the record's review list.
+  FormRecord ReadPages(const std::vector<ScanPage>& pages) const;
+  // The same for the pages of these files (PagesOf): an image file a page, or a multi-page TIFF.
   FormRecord Read(const std::vector<std::string>& images) const;
 
  private:
-  PageOutcome ReadPage(const std::string* image, size_t page) const;
+  PageOutcome ReadPage(const ScanPage* scan, size_t page) const;
 
   std::unique_ptr<const detail::ReadingPlan> plan_;
   MarkThresholds thresholds_;

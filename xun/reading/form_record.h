@@ -35,6 +35,7 @@ struct BubbleReading {
 struct PageReading {
   int32_t page = 0;   // the template page, from 1
   std::string image;  // the file it was read from
+  int32_t frame = 0;  // the page within that file, from 0 (a multi-page TIFF holds several)
   bool registered = false;
   std::string model;     // the fit that registered it: similarity, affine or perspective
   double fit_error = 0;  // root mean square, in 1/100 inch
@@ -81,7 +82,7 @@ struct FormScore {
 };
 
 struct XUN_READING_API FormRecord {
-  std::vector<std::string> images;
+  std::vector<std::string> images;  // the files the form's pages came from, in order
   std::vector<PageReading> pages;
   std::vector<ItemAnswer> answers;  // in the template's item order
   std::string error;                // the whole form could not be read: why

@@ -71,10 +71,10 @@ struct Reduced {
   int width = 0, height = 0;
 };
 
-Reduced Reduce(const std::string& file, int max_width, std::string& why) {
+Reduced Reduce(const std::string& file, int32_t frame, int max_width, std::string& why) {
   Reduced out;
   try {
-    cv::Mat grey = xunrec::DecodeGrey(file);
+    cv::Mat grey = xunrec::DecodeGrey(file, frame);
     out.scale = std::min(1.0, static_cast<double>(max_width) / std::max(grey.cols, 1));
     cv::Mat small;
     cv::resize(grey, small, cv::Size(), out.scale, out.scale, cv::INTER_AREA);
@@ -122,13 +122,16 @@ std::vector<std::string> LooseReasons(const FormRecord& record, const PageReadin
 void DrawPage(std::ostream& svg, const FormRecord& record, const PageReading& page, int max_width,
               double top, double& height, double& width) {
   std::string why;
-  const Reduced scan = page.image.empty() ? Reduced{} : Reduce(page.image, max_width, why);
+  const Reduced scan =
+      page.image.empty() ? Reduced{} : Reduce(page.image, page.frame, max_width, why);
   if (page.image.empty()) why = "no image";
   const std::vector<std::string> loose = LooseReasons(record, &page, page.page);
   double y = top;
   svg << "<g class=\"page\" data-page=\"" << page.page << "\">\n";
   svg << "<text x=\"0\" y=\"" << N(y + 14) << "\" font-weight=\"bold\">page " << page.page
-      << (page.image.empty() ? std::string() : ": " + Escape(page.image)) << "</text>\n";
+      << (page.image.empty() ? std::string() : ": " + Escape(page.image))
+      << (page.frame > 0 ? ", its page " + std::to_string(page.frame + 1) : std::string())
+      << "</text>\n";
   y += kLine + 4;
   for (const std::string& text : loose) {
     svg << "<text class=\"reason\" x=\"0\" y=\"" << N(y + 14) << "\" fill=\"#d62728\">"
