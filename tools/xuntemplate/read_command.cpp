@@ -6,11 +6,14 @@
 #include <filesystem>
 #include <iostream>
 #include <mutex>
+#include <optional>
 #include <sstream>
 #include <thread>
 
 #include "commands.h"
+#include "read_key.h"
 #include "read_output.h"
+#include "read_review.h"
 #include "tool.h"
 #include "xun/reading/form_reader.h"
 
@@ -18,8 +21,8 @@ namespace xuntool {
 namespace {
 
 struct ReadArgs {
-  std::string file, output, json, clips;
-  std::vector<std::string> scans;
+  std::string file, output, json, clips, review;
+  std::vector<std::string> scans, keys;
   int32_t jobs = 0;
 };
 
@@ -53,6 +56,8 @@ void Read(const ReadArgs& args) {
                             ? args.clips
                             : std::filesystem::absolute(args.output).parent_path().string();
   const xun::reading::FormReader reader(*t, {}, options);
+  std::optional<xun::reading::Grader> grader;
+  if (!args.keys.empty()) grader.emplace(GraderFor(*t, reader, args.keys));
   const size_t pages = static_cast<size_t>(std::max(reader.NumPages(), 1));
   // The scans of a form are its pages in page order (an image file a page, or a multi-page
   // TIFF), form after form.
@@ -76,14 +81,16 @@ void Read(const ReadArgs& args) {
     workers.emplace_back([&] {
       for (size_t i = next++; i < forms.size(); i = next++) {
         records[i] = reader.ReadPages(forms[i]);
+        if (grader) grader->Score(records[i]);
         progress.Done();
       }
     });
   for (std::thread& worker : workers)
     worker.join();
 
-  WriteOutputFile(args.output, ResultsCsv(records));
+  WriteOutputFile(args.output, ResultsCsv(records, grader.has_value()));
   if (!args.json.empty()) WriteOutputFile(args.json, ResultsJsonLines(records));
+  if (!args.review.empty()) WriteReviewPictures(args.review, records);
   size_t review = 0, failed = 0;
   for (const auto& record : records) {
     if (record.NeedsReview()) ++review;
@@ -97,13 +104,17 @@ void Read(const ReadArgs& args) {
 
 void AddReadCommand(CLI::App& app, int& status) {
   auto* cmd = app.add_subcommand("read", "Read filled, scanned forms into a CSV file");
-  cmd->footer(
-      Wrap("Read filled forms: each form is one scanned page a page of the template, in page "
-           "order, form after form; a multi-page TIFF gives all its pages. One row a form, in the "
-           "order given, with the template's items "
-           "as columns; with --json, one JSON record a form with every answer's status and "
-           "confidence. A file that cannot be read or a page that cannot be registered gives a "
-           "row with an error status and the reason; it never stops the others."));
+  cmd->footer(Wrap(
+      "Read filled forms: each form is one scanned page a page of the template, in page "
+      "order, form after form; a multi-page TIFF gives all its pages. One row a form, in the "
+      "order given, with the template's items as columns; with --json, one JSON record a form "
+      "with every answer's status and confidence, what needs review and why, and the score. A "
+      "file that cannot be read or a page that cannot be registered gives a row with an error "
+      "status and the reason; it never stops the others. With --key (a CSV file of "
+      "question,answer lines, or filled key sheets) the graded questions are scored: a score "
+      "column, and each item's points in the JSON. With --review DIR, every form to review gets "
+      "a picture, DIR/FIRSTIMAGE.svg: its scans with the bubbles as judged and what to look at "
+      "outlined."));
   auto args = std::make_shared<ReadArgs>();
   cmd->add_option("TEMPLATE", args->file, "Template file (.omr, plain or zipped)")->required();
   cmd->add_option("SCANS", args->scans, "Scanned images (PNG, JPEG, TIFF, PCX, DCX)")->required();
@@ -112,6 +123,9 @@ void AddReadCommand(CLI::App& app, int& status) {
   cmd->add_option("--clips", args->clips,
                   "Folder for image clips and the clips of OCR answers to check (default: the "
                   "results file's)");
+  cmd->add_option("--key", args->keys,
+                  "Answer key: KEY.csv, or key sheet images (one sheet a test version)");
+  cmd->add_option("--review", args->review, "Folder for the review pictures (SVG)");
   cmd->add_option("-j,--jobs", args->jobs, "Forms read at once (default: one a core)")
       ->check(CLI::Range(1, 256));
   cmd->callback([args, &status] {

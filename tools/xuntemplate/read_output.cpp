@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 namespace xuntool {
 namespace {
@@ -24,14 +25,20 @@ double Rounded(double value) {
   return std::round(value * 1000) / 1000;
 }
 
-// Why a form was not read: its own error and each page's, in page order.
+// What a person must look at and why, the form's own error first, then page by page.
 std::string Message(const FormRecord& record) {
-  std::string message = record.error;
-  for (const auto& page : record.pages)
-    if (!page.error.empty())
-      message +=
-          (message.empty() ? "" : "; ") + ("page " + std::to_string(page.page) + ": ") + page.error;
+  std::string message;
+  for (const auto& reason : record.review)
+    message += (message.empty() ? "" : "; ") +
+               (reason.page > 0 ? "page " + std::to_string(reason.page) + ": " : std::string()) +
+               (reason.name.empty() ? std::string() : reason.name + ": ") + reason.why;
   return message;
+}
+
+std::string Points(double value) {
+  char buffer[32];
+  std::snprintf(buffer, sizeof buffer, "%.10g", Rounded(value));
+  return buffer;
 }
 
 }  // namespace
@@ -46,8 +53,8 @@ std::string FormStatus(const FormRecord& record) {
   return record.NeedsReview() ? "review" : "read";
 }
 
-std::string ResultsCsv(const std::vector<FormRecord>& records) {
-  std::string csv = "form,status,message";
+std::string ResultsCsv(const std::vector<FormRecord>& records, bool scores) {
+  std::string csv = scores ? "form,status,message,score" : "form,status,message";
   if (!records.empty())
     for (const auto& answer : records.front().answers)
       csv += "," + Cell(answer.name);
@@ -55,6 +62,7 @@ std::string ResultsCsv(const std::vector<FormRecord>& records) {
   for (const FormRecord& record : records) {
     csv += Cell(record.images.empty() ? std::string() : record.images.front()) + "," +
            FormStatus(record) + "," + Cell(Message(record));
+    if (scores) csv += "," + (record.score.scored ? Points(record.score.total) : std::string());
     for (const auto& answer : record.answers)
       csv += "," + Cell(answer.value);
     csv += "\r\n";
@@ -71,6 +79,7 @@ std::string ResultsJsonLines(const std::vector<FormRecord>& records) {
     form["status"] = FormStatus(record);
     form["needs_review"] = record.NeedsReview();
     if (!record.error.empty()) form["error"] = record.error;
+    if (!record.respondent.empty()) form["respondent"] = record.respondent;
     form["pages"] = nlohmann::ordered_json::array();
     for (const auto& page : record.pages) {
       nlohmann::ordered_json p;
@@ -99,6 +108,36 @@ std::string ResultsJsonLines(const std::vector<FormRecord>& records) {
       if (!answer.why.empty()) a["why"] = answer.why;
       if (!answer.clip.empty()) a["clip"] = answer.clip;
       form["answers"].push_back(std::move(a));
+    }
+    form["review"] = nlohmann::ordered_json::array();
+    for (const auto& reason : record.review) {
+      nlohmann::ordered_json r;
+      r["page"] = reason.page;
+      if (reason.item > 0) r["item"] = reason.item;
+      if (!reason.name.empty()) r["name"] = reason.name;
+      r["why"] = reason.why;
+      form["review"].push_back(std::move(r));
+    }
+    const auto& score = record.score;
+    if (score.scored || !score.error.empty()) {
+      nlohmann::ordered_json s;
+      s["scored"] = score.scored;
+      if (!score.error.empty()) s["error"] = score.error;
+      if (!score.version.empty()) s["version"] = score.version;
+      s["total"] = Rounded(score.total);
+      s["possible"] = Rounded(score.possible);
+      s["items"] = nlohmann::ordered_json::array();
+      for (const auto& item : score.items) {
+        nlohmann::ordered_json i;
+        i["item"] = item.item;
+        i["name"] = item.name;
+        i["result"] = item.result;
+        i["points"] = Rounded(item.points);
+        if (item.extra_credit) i["extra_credit"] = true;
+        if (item.provisional) i["provisional"] = true;
+        s["items"].push_back(std::move(i));
+      }
+      form["score"] = std::move(s);
     }
     lines += form.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
   }

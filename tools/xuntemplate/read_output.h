@@ -14,13 +14,15 @@ bool FormRead(const xun::reading::FormRecord& record);
 // "read", "review" or "error".
 std::string FormStatus(const xun::reading::FormRecord& record);
 
-// A header row (form, status, message, then the items by name in item order) and one row a
-// form: its first image, its status, why it was not read, and the value of every item. RFC 4180
+// A header row (form, status, message, score when `scores`, then the items by name in item
+// order) and one row a form: its first image, its status, why it was not read or what needs
+// review, its total score (empty when it was not scored), and the value of every item. RFC 4180
 // quoting, CRLF line ends.
-std::string ResultsCsv(const std::vector<xun::reading::FormRecord>& records);
+std::string ResultsCsv(const std::vector<xun::reading::FormRecord>& records, bool scores = false);
 
-// One JSON object a line and a form: its images, status, error, every page's registration and
-// every answer with its status, confidence and why.
+// One JSON object a line and a form: its images, status, error, respondent, every page's
+// registration, every answer with its status, confidence and why, the review reasons, and the
+// score with each graded item's points when a key was applied.
 std::string ResultsJsonLines(const std::vector<xun::reading::FormRecord>& records);
 
 }  // namespace xuntool

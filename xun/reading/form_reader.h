@@ -24,6 +24,13 @@ struct ReadingPlan;
 // busy, and a form's work split over them as well only makes the threads wait for each other.
 XUN_READING_API void SetImageThreads(int threads);
 
+// One scanned page read as one page of the form: its registration and bubbles, and the answers
+// of the page's items (hidden identification questions too), in the reading plan's order.
+struct PageOutcome {
+  PageReading page;
+  std::vector<ItemAnswer> answers;
+};
+
 class XUN_READING_API FormReader {
  public:
   // Takes from the template all that reading needs, once: the reader does not touch the template
@@ -36,14 +43,18 @@ class XUN_READING_API FormReader {
 
   int32_t NumPages() const;
 
-  // One scanned page for each page of the template, in page order. Never throws: a file that
-  // cannot be read, a page that cannot be registered, too few or too many pages are in the
-  // record, its pages and its answers (ErrorReturn, status error).
+  // One scanned page for each page of the template, in page order (when the pages carry page
+  // IDs, pages in another order are put in order by them). Never throws: a file that cannot be
+  // read, a page that cannot be registered, too few or too many pages are in the record, its
+  // pages and its answers (ErrorReturn, status error); identification is checked and everything
+  // a person must look at is in the record's review list.
   FormRecord ReadPages(const std::vector<ScanPage>& pages) const;
   // The same for the pages of these files (PagesOf): an image file a page, or a multi-page TIFF.
   FormRecord Read(const std::vector<std::string>& images) const;
 
  private:
+  PageOutcome ReadPage(const ScanPage* scan, size_t page, const std::string& clip_stem) const;
+
   std::unique_ptr<const detail::ReadingPlan> plan_;
   MarkThresholds thresholds_;
   ReadOptions options_;

@@ -1,5 +1,6 @@
 #include "xun/reading/reading_plan.h"
 
+#include <algorithm>
 #include <map>
 
 #include "xun/model/bubble_grid.h"
@@ -87,6 +88,7 @@ ReadingPlan PlanOf(const clsXUNTemplate& form) {
           out.printed.sizes.push_back(
               {static_cast<double>(b.Right - b.Left), static_cast<double>(b.Bottom - b.Top)});
           out.ids.push_back({field->FieldName(), r, c});
+          out.item_of.push_back(0);
         }
       // Blank fills come row by row; bubbles are kept column by column, as the engine keeps them.
       const std::vector<int16_t> blanks = BlankFills(*field, grid);
@@ -119,15 +121,25 @@ ReadingPlan PlanOf(const clsXUNTemplate& form) {
       for (const auto& question : *field->Questions()) {
         ItemPlan item;
         item.item = question->ReturnIndex(true);
-        if (item.item <= 0) continue;
+        // Identification is read from the OMR regions; a hidden one adds no item but still
+        // identifies.
+        const bool identifies = field->RecognitionType() == xunRecogTypeOMR &&
+                                field->LinkGroup() == 0 && question->IDType() >= xunIDTypeForm;
+        if (item.item <= 0 && !identifies) continue;
+        item.item = std::max(item.item, 0);
+        if (identifies) {
+          item.id_type = question->IDType();
+          item.id_value = question->IDValue();
+        }
         item.name = question->QuestionName();
+        item.region = field->FieldName();
         item.rules = QuestionRules::Of(*question);
         // Field types restart for every kind of region: 7 is Code 128 in a barcode region.
         if (field->RecognitionType() == xunRecogTypeOMR &&
             field->FieldType() == xunFieldTypeOMRRank)
           item.rank_group = region_index;
         if (image_region >= 0) {
-          item.region = image_region;
+          item.image_region = image_region;
           item.part = question->ReturnIndex(false) - 1;
         }
         if (field->RecognitionType() == xunRecogTypeOMR) {
@@ -143,6 +155,9 @@ ReadingPlan PlanOf(const clsXUNTemplate& form) {
               for (const auto& [r, c] : lines[k])
                 item.lines[k].push_back(at->second + (c - 1) * rows_of[member.get()] + (r - 1));
           }
+          for (const auto& line : item.lines)
+            for (int i : line)
+              out.item_of[static_cast<size_t>(i)] = item.item;
         }
         out.items.push_back(std::move(item));
       }

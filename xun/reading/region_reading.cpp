@@ -69,7 +69,7 @@ std::vector<std::vector<RegionValue>> ReadRegions(const PagePlan& plan, const cv
     const RegionPlan& region = plan.image_regions[r];
     int32_t first_item = std::numeric_limits<int32_t>::max();
     for (const ItemPlan& item : plan.items)
-      if (item.region == static_cast<int>(r)) first_item = std::min(first_item, item.item);
+      if (item.image_region == static_cast<int>(r)) first_item = std::min(first_item, item.item);
     if (first_item == std::numeric_limits<int32_t>::max()) {
       // No item of it is returned: nothing to read.
       values.emplace_back();

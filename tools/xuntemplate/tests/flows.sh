@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # End-to-end flows of the tool that take several steps:
 #   flows.sh FLOW TOOL EXAMPLES WORK [CHROMIUM CHECK_PNG SYNTHSCAN]
-# FLOW is one of roundtrip, convert, image, render, print, checklines, register, read, batch,
-# robust.
+# FLOW is one of roundtrip, convert, image, render, print, checklines, register, read, grade,
+# batch, robust.
 # WORK is emptied first.
 set -euo pipefail
 flow=$1 tool=$2 examples=$3 work=$4 chromium=${5:-} check_png=${6:-} synthscan=${7:-}
@@ -279,10 +279,91 @@ PY
   "$tool" read clips.omr clipform.png -o clips.csv --json clips.jsonl --clips pictures \
     >/dev/null || fail "read --clips failed"
   # Read, or to review when the made-up marks hold a double mark.
-  [[ $(sed -n 2p clips.csv | tr -d '\r') == clipform.png,re*,,EXAM-A,*,clipform-Photo.jpg ]] ||
+  [[ $(sed -n 2p clips.csv | tr -d '\r') == clipform.png,re*,EXAM-A,*,clipform-Photo.jpg ]] ||
     fail "read --clips: $(cat clips.csv)"
   [[ $(first_bytes pictures/clipform-Photo.jpg 3) == ffd8ff ]] || fail "the clip is no JPEG"
   grep -q '"clip":"pictures/clipform-Photo.jpg"' clips.jsonl || fail "read: $(cat clips.jsonl)"
+  ;;
+grade)
+  # Exam forms scored with a key file and with a key sheet of the same answers; a picture for
+  # each form to review, which a browser draws: the scan, the bubbles, the flagged answers.
+  for i in 1 2 3 4; do
+    "$synthscan" "$examples/exam.omr" --random $i --seed $i --dpi 150 --rotate 1 \
+      -o form$i.png >/dev/null || fail "synthscan could not make form$i.png"
+  done
+  printf 'not an image' >broken.png
+  printf 'question,answer\nAnswers_1,B\nAnswers_2,A\nAnswers_3,D\nAnswers_4,A\nAnswers_5,C\n' \
+    >key.csv
+  printf 'Answers,1,2,full\nAnswers,2,1,full\nAnswers,3,4,full\nAnswers,4,1,full\nAnswers,5,3,full\n' \
+    >key-marks.csv
+  "$synthscan" "$examples/exam.omr" --marks key-marks.csv --dpi 200 --rotate -1 -o key.png \
+    >/dev/null || fail "synthscan could not make key.png"
+  # A form with the key's answers, every mark clear: read, full marks, no picture.
+  "$synthscan" "$examples/exam.omr" --marks key-marks.csv --dpi 150 --seed 5 --rotate 0.5 \
+    -o clean.png >/dev/null || fail "synthscan could not make clean.png"
+  forms=(form1.png form2.png broken.png form3.png clean.png form4.png)
+  "$tool" read "$examples/exam.omr" "${forms[@]}" -o csv.csv --json csv.jsonl --key key.csv \
+    --review review >out.txt 2>err.txt || fail "read --key key.csv: $(cat out.txt err.txt)"
+  [[ ! -s err.txt ]] || fail "read --key key.csv warned: $(cat err.txt)"
+  "$tool" read "$examples/exam.omr" "${forms[@]}" -o sheet.csv --key key.png -j 2 \
+    >/dev/null 2>err.txt || fail "read --key key.png: $(cat err.txt)"
+  [[ ! -s err.txt ]] || fail "read --key key.png warned: $(cat err.txt)"
+  cmp -s csv.csv sheet.csv || fail "the key sheet scored otherwise: $(diff csv.csv sheet.csv)"
+  [[ $(head -1 csv.csv | tr -d '\r') == \
+    "form,status,message,score,Student,Answers_1,Answers_2,Answers_3,Answers_4,Answers_5" ]] ||
+    fail "read --key: header $(head -1 csv.csv)"
+  python3 - "$check_png" <<'PY'
+import csv, json, os, xml.dom.minidom
+key = {"Answers_1": "B", "Answers_2": "A", "Answers_3": "D", "Answers_4": "A", "Answers_5": "C"}
+rows = list(csv.DictReader(open("csv.csv", newline="")))
+forms = [json.loads(line) for line in open("csv.jsonl")]
+for row, form in zip(rows, forms):
+    name = row["form"]
+    picture = os.path.join("review", os.path.splitext(name)[0] + ".svg")
+    if row["status"] == "error":
+        if row["score"] != "" or form["score"]["scored"]:
+            raise SystemExit(f"FAIL: {name}: a form not read scored {row['score']}")
+    else:
+        # Correct 2, Incorrect -0.5, no response 0, from the template; the exam's answers are
+        # all graded.
+        total = 0
+        for answer in form["answers"]:
+            if answer["name"] in key:
+                value = answer["value"]
+                total += 0 if answer["status"] == "blank" else 2 if value == key[answer["name"]] else -0.5
+        if float(row["score"]) != total or form["score"]["total"] != total:
+            raise SystemExit(f"FAIL: {name}: score {row['score']}, the answers make {total}")
+        if len(form["score"]["items"]) != 5 or form["score"]["possible"] != 10:
+            raise SystemExit(f"FAIL: {name}: {form['score']}")
+    if (row["status"] == "read") == os.path.exists(picture):
+        raise SystemExit(f"FAIL: {name} is {row['status']}: picture {os.path.exists(picture)}")
+    if row["status"] != "read":
+        if len(form["review"]) == 0 or row["message"] == "":
+            raise SystemExit(f"FAIL: {name}: to review without a reason")
+        svg = open(picture).read()
+        xml.dom.minidom.parseString(svg)  # well-formed
+        for reason in form["review"]:
+            if reason["why"].replace("&", "&amp;").replace("<", "&lt;") not in svg:
+                raise SystemExit(f"FAIL: {picture} does not say {reason['why']}")
+if sum(row["status"] == "review" for row in rows) == 0:
+    raise SystemExit("FAIL: no form to review: the pictures are not tested")
+clean = rows[forms.index(next(f for f in forms if f["form"] == "clean.png"))]
+if clean["status"] != "read" or clean["score"] != "10":
+    raise SystemExit(f"FAIL: clean.png: {clean}")
+PY
+  review=$(grep -l 'class="flagged"' review/*.svg | head -1)
+  [[ -n $review ]] || fail "no review picture outlines an answer"
+  screenshot "$review" review.png 1500,1600
+  # The scan (its black print), marked bubbles blue, flagged answers outlined red.
+  python3 "$check_png" review.png --count 000000,2000 --count 1f77b4,300 --count d62728,150
+  # A key the template cannot use: the line at fault, nothing written.
+  printf 'Answers_1,B\nNope,A\n' >bad.csv
+  status=0
+  "$tool" read "$examples/exam.omr" form1.png -o bad-out.csv --key bad.csv 2>err.txt || status=$?
+  [[ $status == 2 ]] || fail "a bad key: exit status $status"
+  grep -q "^xuntemplate: error: bad.csv:2: the template has no question 'Nope'$" err.txt ||
+    fail "a bad key: $(cat err.txt)"
+  [[ ! -e bad-out.csv ]] || fail "a bad key: the CSV was written"
   ;;
 register)
   cp "$examples/scanned.omr" scanned.omr
