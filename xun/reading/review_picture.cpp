@@ -1,14 +1,16 @@
 #include "xun/reading/review_picture.h"
 
-#include <opencv2/imgcodecs.hpp>
+#include <openssl/evp.h>
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
 #include <cstdio>
 #include <sstream>
+#include <string_view>
 
 #include "engine/engine_error.h"
 #include "engine/image_file.h"
+#include "imagefile/page_writer.h"
 
 namespace xun::reading {
 namespace {
@@ -46,27 +48,19 @@ std::string N(double v) {
   return buffer;
 }
 
-std::string Base64(const std::vector<unsigned char>& bytes) {
-  static const char* const kDigits =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string out;
-  out.reserve((bytes.size() + 2) / 3 * 4);
-  for (size_t i = 0; i < bytes.size(); i += 3) {
-    const uint32_t n = (uint32_t{bytes[i]} << 16) |
-                       (i + 1 < bytes.size() ? uint32_t{bytes[i + 1]} << 8 : 0) |
-                       (i + 2 < bytes.size() ? uint32_t{bytes[i + 2]} : 0);
-    out += kDigits[(n >> 18) & 63];
-    out += kDigits[(n >> 12) & 63];
-    out += i + 1 < bytes.size() ? kDigits[(n >> 6) & 63] : '=';
-    out += i + 2 < bytes.size() ? kDigits[n & 63] : '=';
-  }
+std::string Base64(std::string_view bytes) {
+  std::string out(4 * ((bytes.size() + 2) / 3) + 1, '\0');
+  const int length = EVP_EncodeBlock(reinterpret_cast<unsigned char*>(out.data()),
+                                     reinterpret_cast<const unsigned char*>(bytes.data()),
+                                     static_cast<int>(bytes.size()));
+  out.resize(static_cast<size_t>(std::max(length, 0)));
   return out;
 }
 
 // The scan reduced to at most `max_width` pixels across, as a PNG; empty with `why` when it
 // cannot be read.
 struct Reduced {
-  std::vector<unsigned char> png;
+  std::string png;
   double scale = 1;  // reduced pixels a scan pixel
   int width = 0, height = 0;
 };
@@ -80,7 +74,8 @@ Reduced Reduce(const std::string& file, int32_t frame, int max_width, std::strin
     cv::resize(grey, small, cv::Size(), out.scale, out.scale, cv::INTER_AREA);
     out.width = small.cols;
     out.height = small.rows;
-    if (!cv::imencode(".png", small, out.png)) why = "it could not be made a PNG";
+    const cv::Mat packed = small.isContinuous() ? small : small.clone();
+    out.png = xun::imagefile::EncodeGreyPng(packed.cols, packed.rows, packed.data, 0);
   } catch (const xunrec::EngineError& e) {
     why = "it cannot be read (code " + std::to_string(e.Code()) + ")";
   } catch (const std::exception& e) {
