@@ -47,7 +47,10 @@ void SampleAndDarkest(const cv::Mat& grey, int f, cv::Mat& sample, cv::Mat& dark
 ScannedPage::ScannedPage(cv::Mat grey, int dpi)
     : grey_(std::move(grey)),
       rule_(xunrec::InkRuleOf(grey_, dpi)),
-      factor_(std::max(1, dpi / kSmallDpi)) {
+      // A black-and-white scan has its grey dithered into dots, and the darkest of a large block
+      // would catch one in most blocks of a light mark or noisy paper: its blocks cover no more
+      // than 3 x 3 pixels.
+      factor_(std::max(1, rule_.bilevel ? std::min(3, dpi / kSmallDpi) : dpi / kSmallDpi)) {
   const int f = factor_;
   // Whole blocks of f x f pixels; the last few columns and rows of a page hold no bubble.
   const cv::Mat whole = grey_(cv::Rect(0, 0, grey_.cols / f * f, grey_.rows / f * f));
