@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "common/choice_grid.h"
 #include "xun/xun.h"
 
 namespace xunbench {
@@ -14,25 +15,9 @@ inline std::shared_ptr<xun::clsXUNTemplate> LetterForm() {
   form->PageHeight(11);
   auto page = xun::clsXUNPage::Create();
   form->Pages()->Add(page);
-  for (int column = 0; column < 2; ++column) {
-    auto field = xun::clsXUNField::Create();
-    field->FieldName(column ? "Right" : "Left");
-    field->RecognitionType(xun::xunRecogTypeOMR);
-    field->FieldType(xun::xunFieldTypeOMRMult);
-    field->Orient(xun::xunOrientationTypeOMRRow);
-    field->NumRows(20);
-    field->NumCols(5);
-    field->Left(static_cast<int16_t>(150 + 350 * column));
-    field->Top(150);
-    field->Right(static_cast<int16_t>(350 + 350 * column));
-    field->Bottom(750);
-    field->StartCol(10);
-    field->StartRow(8);
-    field->ColGap(40);
-    field->RowGap(30);
-    page->Fields()->Add(field);
-    field->Questions()->Update();
-  }
+  for (int16_t column = 0; column < 2; ++column)
+    xun::testing::AddChoiceGrid(*page, column ? "Right" : "Left", 20, 5,
+                                static_cast<int16_t>(150 + 350 * column), 150);
   return form;
 }
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "common/choice_grid.h"
 #include "xun/xun.h"
 
 namespace xun::testing {
@@ -22,25 +23,7 @@ inline std::shared_ptr<clsXUNTemplate> AnswerSheet(double width_inches = 8.5,
   for (int i = 0; i < 10; ++i)
     marks += (i ? "\t" : "") + std::string("20,") + std::to_string(100 + i * 65) + ",30,12";
   page->TimingMarks()->AddDelimitedString(marks);
-  auto field = clsXUNField::Create();
-  field->FieldName("Answers");
-  field->RecognitionType(xunRecogTypeOMR);
-  field->FieldType(xunFieldTypeOMRMult);
-  field->DataType(xunDataTypeText);
-  field->Orient(xunOrientationTypeOMRRow);
-  field->NumRows(20);
-  field->NumCols(5);
-  // Bubbles of 20 by 15 units, 40 by 30 apart.
-  field->Left(150);
-  field->Top(100);
-  field->Right(350);
-  field->Bottom(700);
-  field->StartCol(10);
-  field->StartRow(8);
-  field->ColGap(40);
-  field->RowGap(30);
-  page->Fields()->Add(field);
-  field->Questions()->Update();
+  AddChoiceGrid(*page, "Answers", 20, 5, 150, 100, xunDataTypeText);
   return form;
 }
 

@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 
+#include "common/choice_grid.h"
 #include "synthscan/answers.h"
 #include "xun/xun.h"
 
@@ -20,25 +21,9 @@ namespace xun::testing {
 inline std::shared_ptr<clsXUNField> SheetRegion(clsXUNPage& page, const std::string& name,
                                                 xunFieldType type, int rows, int cols, int left,
                                                 int top) {
-  auto field = clsXUNField::Create();
-  field->FieldName(name);
-  field->RecognitionType(xunRecogTypeOMR);
-  field->FieldType(type);
-  field->DataType(xunDataTypeText);
-  field->Orient(type == xunFieldTypeOMRMult ? xunOrientationTypeOMRRow : xunOrientationTypeOMRCol);
-  field->NumRows(static_cast<int16_t>(rows));
-  field->NumCols(static_cast<int16_t>(cols));
-  field->Left(static_cast<int16_t>(left));
-  field->Top(static_cast<int16_t>(top));
-  field->Right(static_cast<int16_t>(left + 40 * cols));
-  field->Bottom(static_cast<int16_t>(top + 30 * rows));
-  field->StartCol(10);
-  field->StartRow(8);
-  field->ColGap(40);
-  field->RowGap(30);
-  page.Fields()->Add(field);
-  field->Questions()->Update();
-  return field;
+  return AddChoiceGrid(page, name, static_cast<int16_t>(rows), static_cast<int16_t>(cols),
+                       static_cast<int16_t>(left), static_cast<int16_t>(top), xunDataTypeText,
+                       type);
 }
 
 // A grid of digit columns, 0 to 9 down each: one question, of an identification role.

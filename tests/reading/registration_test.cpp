@@ -7,6 +7,7 @@
 #include <opencv2/imgproc.hpp>
 #include <string>
 
+#include "common/choice_grid.h"
 #include "common/expected_answers.h"
 #include "common/test_support.h"
 #include "synthscan/answers.h"
@@ -34,25 +35,7 @@ std::shared_ptr<clsXUNTemplate> Form(bool drop_out, bool marks_only) {
   for (int i = 0; i < 10; ++i)
     page->TimingMarks()->AddMark(30, static_cast<int16_t>(100 + 95 * i), 30, 12);
   if (drop_out) page->DropOutColor(xunTemplateDropOutColorRed);
-  if (!marks_only) {
-    auto field = clsXUNField::Create();
-    field->FieldName("Answers");
-    field->RecognitionType(xunRecogTypeOMR);
-    field->FieldType(xunFieldTypeOMRMult);
-    field->Orient(xunOrientationTypeOMRRow);
-    field->NumRows(15);
-    field->NumCols(4);
-    field->Left(200);
-    field->Top(200);
-    field->Right(360);
-    field->Bottom(650);
-    field->StartCol(10);
-    field->StartRow(8);
-    field->ColGap(40);
-    field->RowGap(30);
-    page->Fields()->Add(field);
-    field->Questions()->Update();
-  }
+  if (!marks_only) testing::AddChoiceGrid(*page, "Answers", 15, 4, 200, 200);
   return form;
 }
 

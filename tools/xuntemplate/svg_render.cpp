@@ -9,6 +9,7 @@
 #include "pcx_image.h"
 #include "template_walk.h"
 #include "tool.h"
+#include "xun/support/text.h"
 
 namespace xuntool {
 namespace {
@@ -37,30 +38,6 @@ Kind KindOf(int32_t recognition) {
       return {"OCR", "#9467bd"};
   }
   return {"other", "#7f7f7f"};
-}
-
-// Text for XML content and attributes; control characters XML cannot hold are dropped.
-std::string Escape(const std::string& text) {
-  std::string out;
-  for (char c : text) {
-    switch (c) {
-      case '&':
-        out += "&amp;";
-        break;
-      case '<':
-        out += "&lt;";
-        break;
-      case '>':
-        out += "&gt;";
-        break;
-      case '"':
-        out += "&quot;";
-        break;
-      default:
-        if (static_cast<unsigned char>(c) >= 0x20 || c == '\t') out += c;
-    }
-  }
-  return out;
 }
 
 std::string N(double v) {
@@ -181,7 +158,7 @@ std::string RenderPageSvg(const xun::clsXUNTemplate& t, int32_t page_number,
       << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << N(width) << "\" height=\""
       << N(height) << "\" viewBox=\"" << N(box.left) << " " << N(box.top) << " " << N(width) << " "
       << N(height) << "\" font-family=\"sans-serif\" font-size=\"12\">\n"
-      << "<title>" << Escape(t.Name()) << " - page " << page_number << "</title>\n"
+      << "<title>" << xun::text::XmlText(t.Name()) << " - page " << page_number << "</title>\n"
       << "<rect class=\"background\" x=\"" << N(box.left) << "\" y=\"" << N(box.top)
       << "\" width=\"" << N(width) << "\" height=\"" << N(height) << "\" fill=\"#e6e6e6\"/>\n"
       << "<rect class=\"page\" x=\"0\" y=\"0\" width=\"" << N(extent.width) << "\" height=\""
@@ -218,7 +195,7 @@ std::string RenderPageSvg(const xun::clsXUNTemplate& t, int32_t page_number,
         << (role ? " stroke-dasharray=\"10 5\"" : "") << "/>\n";
     DrawBubbles(svg, f, kind.colour, budget, notes);
     svg << "<text x=\"" << left + 2 << "\" y=\"" << top - 4 << "\" fill=\"" << kind.colour << "\">"
-        << Escape(label) << "</text>\n</g>\n";
+        << xun::text::XmlText(label) << "</text>\n</g>\n";
   }
 
   // Each link group as a dashed line through the centres of its regions, in group order.

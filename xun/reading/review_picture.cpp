@@ -11,6 +11,7 @@
 #include "engine/engine_error.h"
 #include "engine/image_file.h"
 #include "imagefile/page_writer.h"
+#include "xun/support/text.h"
 
 namespace xun::reading {
 namespace {
@@ -18,29 +19,6 @@ namespace {
 constexpr double kGap = 30;   // between pages
 constexpr double kLine = 18;  // a line of text
 constexpr double kLegend = 30;
-
-std::string Escape(const std::string& text) {
-  std::string out;
-  for (const char c : text) {
-    switch (c) {
-      case '&':
-        out += "&amp;";
-        break;
-      case '<':
-        out += "&lt;";
-        break;
-      case '>':
-        out += "&gt;";
-        break;
-      case '"':
-        out += "&quot;";
-        break;
-      default:
-        if (static_cast<unsigned char>(c) >= 0x20 || c == '\t') out += c;
-    }
-  }
-  return out;
-}
 
 std::string N(double v) {
   char buffer[32];
@@ -124,13 +102,13 @@ void DrawPage(std::ostream& svg, const FormRecord& record, const PageReading& pa
   double y = top;
   svg << "<g class=\"page\" data-page=\"" << page.page << "\">\n";
   svg << "<text x=\"0\" y=\"" << N(y + 14) << "\" font-weight=\"bold\">page " << page.page
-      << (page.image.empty() ? std::string() : ": " + Escape(page.image))
+      << (page.image.empty() ? std::string() : ": " + xun::text::XmlText(page.image))
       << (page.frame > 0 ? ", its page " + std::to_string(page.frame + 1) : std::string())
       << "</text>\n";
   y += kLine + 4;
   for (const std::string& text : loose) {
     svg << "<text class=\"reason\" x=\"0\" y=\"" << N(y + 14) << "\" fill=\"#d62728\">"
-        << Escape(text) << "</text>\n";
+        << xun::text::XmlText(text) << "</text>\n";
     y += kLine;
   }
   const double w = scan.png.empty() ? max_width : scan.width;
@@ -138,7 +116,7 @@ void DrawPage(std::ostream& svg, const FormRecord& record, const PageReading& pa
   if (scan.png.empty()) {
     svg << "<rect x=\"0\" y=\"" << N(y) << "\" width=\"" << N(w) << "\" height=\"" << N(h)
         << "\" fill=\"#cccccc\"/>\n<text x=\"20\" y=\"" << N(y + 40)
-        << "\">the scan is not shown: " << Escape(why) << "</text>\n";
+        << "\">the scan is not shown: " << xun::text::XmlText(why) << "</text>\n";
   } else {
     svg << "<image x=\"0\" y=\"" << N(y) << "\" width=\"" << N(w) << "\" height=\"" << N(h)
         << "\" preserveAspectRatio=\"none\" href=\"data:image/png;base64," << Base64(scan.png)
@@ -166,7 +144,7 @@ void DrawPage(std::ostream& svg, const FormRecord& record, const PageReading& pa
     svg << "<g class=\"flagged\" data-item=\"" << reason.item << "\">\n<rect x=\"" << N(left - 4)
         << "\" y=\"" << N(y + upper - 4) << "\" width=\"" << N(right - left + 8) << "\" height=\""
         << N(lower - upper + 8) << "\"/>\n<text x=\"" << N(right + 8) << "\" y=\""
-        << N(y + upper + 10) << "\">" << Escape(reason.name + ": " + reason.why)
+        << N(y + upper + 10) << "\">" << xun::text::XmlText(reason.name + ": " + reason.why)
         << "</text>\n</g>\n";
   }
   svg << "</g>\n";
@@ -182,7 +160,7 @@ std::string ReviewSvg(const FormRecord& record, int max_width) {
   double y = 0, width = max_width;
   for (const std::string& text : LooseReasons(record, nullptr, 0)) {
     body << "<text class=\"reason\" x=\"0\" y=\"" << N(y + 14) << "\" fill=\"#d62728\">"
-         << Escape(text) << "</text>\n";
+         << xun::text::XmlText(text) << "</text>\n";
     y += kLine;
   }
   for (const PageReading& page : record.pages) {
@@ -211,7 +189,7 @@ std::string ReviewSvg(const FormRecord& record, int max_width) {
       << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << N(width) << "\" height=\"" << N(y)
       << "\" viewBox=\"-10 -10 " << N(width + 20) << " " << N(y + 20)
       << "\" font-family=\"sans-serif\" font-size=\"13\">\n"
-      << "<title>" << Escape(record.images.empty() ? "form" : record.images.front())
+      << "<title>" << xun::text::XmlText(record.images.empty() ? "form" : record.images.front())
       << " - to review</title>\n"
       << "<style>\n"
       << ".marked{fill:#1f77b4;fill-opacity:0.45;stroke:#1f77b4;stroke-width:1.5}\n"

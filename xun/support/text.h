@@ -57,4 +57,8 @@ XUN_API std::vector<std::string_view> Split(std::string_view text, std::string_v
 // Replaces every occurrence of `from` (not empty) by `to`.
 XUN_API std::string ReplaceAll(std::string_view text, std::string_view from, std::string_view to);
 
+// Text for XML content and attributes (the SVG pictures): markup characters as entities, control
+// characters XML cannot hold dropped.
+XUN_API std::string XmlText(std::string_view text);
+
 }  // namespace xun::text
