@@ -19,7 +19,7 @@ int16_t Span(int16_t low, int16_t high) noexcept {
 }  // namespace
 
 std::shared_ptr<clsXUNBubble> clsXUNBubble::Create() {
-  return std::shared_ptr<clsXUNBubble>(new clsXUNBubble());
+  return MakeObject<clsXUNBubble>();
 }
 
 int16_t clsXUNBubble::Width() const {

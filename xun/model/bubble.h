@@ -36,6 +36,8 @@ class XUN_API clsXUNBubble : public Object {
   std::shared_ptr<clsXUNBubble> Copy() const;
 
  private:
+  template <class>
+  friend struct detail::ObjectAllocator;
   clsXUNBubble() = default;
   std::weak_ptr<clsXUNBubbles> bubbles_;
   int16_t left_ = 0, right_ = 0, top_ = 0, bottom_ = 0, percent_filled_ = 0;

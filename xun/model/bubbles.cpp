@@ -8,7 +8,7 @@
 namespace xun {
 
 std::shared_ptr<clsXUNBubbles> clsXUNBubbles::Create() {
-  return std::shared_ptr<clsXUNBubbles>(new clsXUNBubbles());
+  return MakeObject<clsXUNBubbles>();
 }
 
 void clsXUNBubbles::Free() {

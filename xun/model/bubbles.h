@@ -34,6 +34,8 @@ class XUN_API clsXUNBubbles : public Object {
   bool Exists(const Index& index) const noexcept;
 
  private:
+  template <class>
+  friend struct detail::ObjectAllocator;
   clsXUNBubbles() = default;
   OrderedKeyedCollection<std::shared_ptr<clsXUNBubble>> items_;
 };

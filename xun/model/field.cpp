@@ -128,7 +128,7 @@ clsXUNField::clsXUNField()
       db_(clsXUNFieldDB::Create()) {}
 
 std::shared_ptr<clsXUNField> clsXUNField::Create() {
-  std::shared_ptr<clsXUNField> field(new clsXUNField());
+  std::shared_ptr<clsXUNField> field = MakeObject<clsXUNField>();
   // The back reference needs the region held, so it cannot be set in the constructor.
   field->questions_->Field(field);
   return field;

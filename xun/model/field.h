@@ -152,6 +152,8 @@ class XUN_API clsXUNField : public Object, public detail::ListMember<clsXUNField
   std::shared_ptr<clsXUNPage> Page() const;
 
  private:
+  template <class>
+  friend struct detail::ObjectAllocator;
   clsXUNField();
   DictionaryPtr attributes_;
   std::shared_ptr<clsXUNQuestions> questions_;

@@ -7,7 +7,7 @@ namespace xun {
 clsXUNFieldDB::clsXUNFieldDB() : return_fields_(clsXUNStringItems::Create()) {}
 
 std::shared_ptr<clsXUNFieldDB> clsXUNFieldDB::Create() {
-  return std::shared_ptr<clsXUNFieldDB>(new clsXUNFieldDB());
+  return MakeObject<clsXUNFieldDB>();
 }
 
 std::shared_ptr<clsXUNFieldDB> clsXUNFieldDB::Copy() const {

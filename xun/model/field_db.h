@@ -53,6 +53,8 @@ class XUN_API clsXUNFieldDB : public Object {
   std::shared_ptr<clsXUNFieldDB> Copy() const;
 
  private:
+  template <class>
+  friend struct detail::ObjectAllocator;
   clsXUNFieldDB();
   std::shared_ptr<clsXUNStringItems> return_fields_;
   std::string name_, catalog_, table_, lookup_field_, replace_field_;

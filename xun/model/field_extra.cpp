@@ -9,7 +9,7 @@
 
 namespace xun {
 std::shared_ptr<clsXUNFieldExtra> clsXUNFieldExtra::Create() {
-  return std::shared_ptr<clsXUNFieldExtra>(new clsXUNFieldExtra());
+  return MakeObject<clsXUNFieldExtra>();
 }
 
 bool clsXUNFieldExtra::Add(int16_t Item, std::optional<std::string> Key,

@@ -69,6 +69,8 @@ class XUN_API clsXUNFieldExtra : public Object {
   BoundedArray<int16_t> AsArray(int32_t lLowerBound = 0) const;
 
  private:
+  template <class>
+  friend struct detail::ObjectAllocator;
   clsXUNFieldExtra() = default;
 
   Collection items_;

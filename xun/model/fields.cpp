@@ -7,7 +7,7 @@
 namespace xun {
 
 std::shared_ptr<clsXUNFields> clsXUNFields::Create() {
-  return std::shared_ptr<clsXUNFields>(new clsXUNFields());
+  return MakeObject<clsXUNFields>();
 }
 
 bool clsXUNFields::Add(const std::shared_ptr<clsXUNField>& oField, std::optional<Index> Before,

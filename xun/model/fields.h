@@ -39,6 +39,8 @@ class XUN_API clsXUNFields : public Object {
 
  private:
   friend struct detail::FieldsInternals;
+  template <class>
+  friend struct detail::ObjectAllocator;
   clsXUNFields() = default;
   std::weak_ptr<clsXUNPage> page_;
   detail::KeyedObjectList<clsXUNField, clsXUNFields> items_;

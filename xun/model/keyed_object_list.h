@@ -47,7 +47,7 @@ class KeyedObjectList {
            const std::optional<Index>& before, const std::optional<Index>& after) {
     if (!object) Raise(kErrObjectNotSet);
     auto& member = static_cast<ListMember<List>&>(*object);
-    if (member.key_.empty() || entries_.Exists(member.key_)) {
+    if (member.key_.empty() || entries_.HasKey(member.key_)) {
       member.owner_.reset();
       member.key_ = NewObjectKey();
     }

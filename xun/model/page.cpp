@@ -56,7 +56,7 @@ int16_t CountQuestions(const std::shared_ptr<clsXUNFields>& fields, Test test) {
 clsXUNPage::clsXUNPage() = default;
 
 std::shared_ptr<clsXUNPage> clsXUNPage::Create() {
-  std::shared_ptr<clsXUNPage> page(new clsXUNPage());
+  std::shared_ptr<clsXUNPage> page = MakeObject<clsXUNPage>();
   // The region list points back at the page, which needs the page held first.
   Trap("clsXUNPage.Class_Initialize", [&] {
     page->attributes_ = Dictionary::Create();

@@ -103,6 +103,8 @@ class XUN_API clsXUNPage : public Object, public detail::ListMember<clsXUNPages>
   std::shared_ptr<clsXUNTemplate> Template() const;
 
  private:
+  template <class>
+  friend struct detail::ObjectAllocator;
   clsXUNPage();
   DictionaryPtr attributes_;
   std::shared_ptr<clsXUNTimingMarks> timing_marks_;

@@ -7,7 +7,7 @@
 namespace xun {
 
 std::shared_ptr<clsXUNPages> clsXUNPages::Create() {
-  return std::shared_ptr<clsXUNPages>(new clsXUNPages());
+  return MakeObject<clsXUNPages>();
 }
 
 bool clsXUNPages::Move(const Index& index, std::optional<Index> Before,

@@ -37,6 +37,8 @@ class XUN_API clsXUNPages : public Object {
   void Free();
 
  private:
+  template <class>
+  friend struct detail::ObjectAllocator;
   clsXUNPages() = default;
   std::weak_ptr<clsXUNTemplate> template_;
   detail::KeyedObjectList<clsXUNPage, clsXUNPages> items_;

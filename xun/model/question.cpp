@@ -171,7 +171,7 @@ size_t SchemaWidth(const clsXUNField* field, const clsXUNStringItems* codes) {
 }  // namespace
 
 std::shared_ptr<clsXUNQuestion> clsXUNQuestion::Create() {
-  return std::shared_ptr<clsXUNQuestion>(new clsXUNQuestion());
+  return MakeObject<clsXUNQuestion>();
 }
 
 clsXUNQuestion::clsXUNQuestion() {

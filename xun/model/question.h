@@ -115,6 +115,8 @@ class XUN_API clsXUNQuestion : public Object, public detail::ListMember<clsXUNQu
   std::shared_ptr<clsXUNField> Field() const;
 
  private:
+  template <class>
+  friend struct detail::ObjectAllocator;
   clsXUNQuestion();
   xunIDType id_type_ = xunIDTypeNone;
   std::string id_value_;

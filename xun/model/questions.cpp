@@ -42,7 +42,7 @@ std::optional<int32_t> BubblesPerQuestion(const clsXUNField& field) {
 }  // namespace
 
 std::shared_ptr<clsXUNQuestions> clsXUNQuestions::Create() {
-  return std::shared_ptr<clsXUNQuestions>(new clsXUNQuestions());
+  return MakeObject<clsXUNQuestions>();
 }
 
 std::shared_ptr<clsXUNQuestion> clsXUNQuestions::Item(const Index& index) const {

@@ -41,6 +41,8 @@ class XUN_API clsXUNQuestions : public Object {
   bool Remove(const Index& index);
   bool RemoveAll();
 
+  template <class>
+  friend struct detail::ObjectAllocator;
   clsXUNQuestions() = default;
   std::weak_ptr<clsXUNField> field_;
   detail::KeyedObjectList<clsXUNQuestion, clsXUNQuestions> items_;

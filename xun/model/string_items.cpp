@@ -10,7 +10,7 @@
 
 namespace xun {
 std::shared_ptr<clsXUNStringItems> clsXUNStringItems::Create() {
-  return std::shared_ptr<clsXUNStringItems>(new clsXUNStringItems());
+  return MakeObject<clsXUNStringItems>();
 }
 
 void clsXUNStringItems::Add(const std::string& Item, std::optional<std::string> Key,

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "xun/export.h"
 #include "xun/support/bounded_array.h"
@@ -14,6 +15,10 @@
 #include "xun/support/object.h"
 
 namespace xun {
+
+namespace detail {
+struct StringItemsInternals;
+}
 
 class XUN_API clsXUNStringItems : public Object {
   using Collection = OrderedKeyedCollection<std::string>;
@@ -55,9 +60,23 @@ class XUN_API clsXUNStringItems : public Object {
   std::shared_ptr<clsXUNStringItems> Copy() const;
 
  private:
+  template <class>
+  friend struct detail::ObjectAllocator;
+  friend struct detail::StringItemsInternals;
   clsXUNStringItems() = default;
 
   Collection items_;
 };
+
+namespace detail {
+// Filling a list whose items the caller has counted, for the library's reader only: one array of
+// the right size, and each string moved in. Raises on failure, untrapped.
+struct StringItemsInternals {
+  static void Reserve(clsXUNStringItems& list, size_t count) { list.items_.Reserve(count); }
+  static void Append(clsXUNStringItems& list, std::string item) {
+    list.items_.Add(std::move(item));
+  }
+};
+}  // namespace detail
 
 }  // namespace xun

@@ -42,7 +42,7 @@ void RequireKeyLength(const std::string& k1, const std::string& k2, const std::s
 clsXUNTemplate::clsXUNTemplate() : attributes_(Dictionary::Create()) {}
 
 std::shared_ptr<clsXUNTemplate> clsXUNTemplate::Create() {
-  std::shared_ptr<clsXUNTemplate> created(new clsXUNTemplate());
+  std::shared_ptr<clsXUNTemplate> created = MakeObject<clsXUNTemplate>();
   created->Pages(clsXUNPages::Create());
   return created;
 }

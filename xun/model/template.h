@@ -142,6 +142,8 @@ class XUN_API clsXUNTemplate : public Object {
 
  private:
   friend struct detail::TemplateInternals;
+  template <class>
+  friend struct detail::ObjectAllocator;
   clsXUNTemplate();
 
   std::shared_ptr<void> state_;

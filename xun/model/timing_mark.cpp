@@ -5,7 +5,7 @@
 namespace xun {
 
 std::shared_ptr<clsXUNTimingMark> clsXUNTimingMark::Create() {
-  return std::shared_ptr<clsXUNTimingMark>(new clsXUNTimingMark());
+  return MakeObject<clsXUNTimingMark>();
 }
 
 std::shared_ptr<clsXUNTimingMark> clsXUNTimingMark::Copy() const {

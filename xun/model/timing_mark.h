@@ -24,6 +24,8 @@ class XUN_API clsXUNTimingMark : public Object {
   std::shared_ptr<clsXUNTimingMark> Copy() const;
 
  private:
+  template <class>
+  friend struct detail::ObjectAllocator;
   clsXUNTimingMark() = default;
   int16_t left_ = 0, width_ = 0, top_ = 0, height_ = 0;
 };

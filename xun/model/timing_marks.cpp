@@ -26,7 +26,7 @@ int16_t MarkValue(std::string_view piece) {
 }  // namespace
 
 std::shared_ptr<clsXUNTimingMarks> clsXUNTimingMarks::Create() {
-  return std::shared_ptr<clsXUNTimingMarks>(new clsXUNTimingMarks());
+  return MakeObject<clsXUNTimingMarks>();
 }
 
 BoundedArray<xunReadArea> clsXUNTimingMarks::AsArray(int32_t lLowerBound) const {

@@ -51,6 +51,8 @@ class XUN_API clsXUNTimingMarks : public Object {
   friend struct detail::TimingMarksInternals;
   bool RemoveAll();
 
+  template <class>
+  friend struct detail::ObjectAllocator;
   clsXUNTimingMarks() = default;
   OrderedKeyedCollection<std::shared_ptr<clsXUNTimingMark>> items_;
 };

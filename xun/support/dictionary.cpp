@@ -3,7 +3,7 @@
 namespace xun {
 
 std::shared_ptr<Dictionary> Dictionary::Create() {
-  return std::shared_ptr<Dictionary>(new Dictionary());
+  return MakeObject<Dictionary>();
 }
 
 void Dictionary::Add(const std::string& key, Variant item) {

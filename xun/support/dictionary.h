@@ -34,6 +34,8 @@ class XUN_API Dictionary : public Object {
   std::vector<Variant> Items() const;
 
  private:
+  template <class>
+  friend struct detail::ObjectAllocator;
   Dictionary() = default;
 
   struct Entry {

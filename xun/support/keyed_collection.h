@@ -3,47 +3,37 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <iterator>
 #include <limits>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "xun/support/index.h"
+#include "xun/support/key_index.h"
 #include "xun/support/runtime_error.h"
-#include "xun/support/text.h"
 
 namespace xun {
 
 // Key policies: how two keys are judged the same.
 struct CaseInsensitiveKeys {
-  static std::string Normalize(std::string_view key) { return text::FoldCase(key); }
+  static constexpr bool kFoldCase = true;
 };
 struct CaseSensitiveKeys {
-  static std::string Normalize(std::string_view key) { return std::string(key); }
+  static constexpr bool kFoldCase = false;
 };
 
 // Entries in order, addressed by 1-based position or by an optional unique key. Fetch by key and
 // by position are O(1); appending and removing at either end are O(1) (amortised); inserting or
-// removing inside costs the distance to the nearer end. An empty collection allocates nothing.
-// Failures raise the classic collection errors: 457 for a duplicate key, 5 for an unknown key or
-// a bad Before/After, 9 for a position out of range. References to entries are invalidated by
-// any change to the collection.
+// removing inside costs the distance to the nearer end. The entries lie in one array; keys cost
+// nothing until the first one is added, and then no allocation each (detail::KeyIndex). An empty
+// collection allocates nothing. Failures raise the classic collection errors: 457 for a duplicate
+// key, 5 for an unknown key or a bad Before/After, 9 for a position out of range. References to
+// entries are invalidated by any change to the collection.
 template <class T, class KeyPolicy = CaseInsensitiveKeys>
 class OrderedKeyedCollection {
-  struct KeyEntry {
-    std::string original;  // the key as given
-    size_t index = 0;      // the node's index in nodes_
-  };
-  struct Node {
-    T item{};
-    KeyEntry* key = nullptr;  // points into keys_, whose entries never move
-  };
-
  public:
   OrderedKeyedCollection() = default;
   OrderedKeyedCollection(const OrderedKeyedCollection&) = delete;
@@ -51,11 +41,15 @@ class OrderedKeyedCollection {
   OrderedKeyedCollection(OrderedKeyedCollection&&) noexcept = default;
   OrderedKeyedCollection& operator=(OrderedKeyedCollection&&) noexcept = default;
 
-  int32_t Count() const noexcept { return static_cast<int32_t>(nodes_.size() - head_); }
-  bool empty() const noexcept { return nodes_.size() == head_; }
+  int32_t Count() const noexcept { return static_cast<int32_t>(Live()); }
+  bool empty() const noexcept { return Live() == 0; }
+
+  // Room for `count` entries in all without moving them again: for callers that know how many
+  // they are about to append.
+  void Reserve(size_t count) { items_.reserve(head_ + count); }
 
   // Appends, or inserts before/after the entry at `before`/`after` (at most one of them).
-  void Add(T item, std::optional<std::string> key = std::nullopt,
+  void Add(T item, std::optional<std::string_view> key = std::nullopt,
            const std::optional<Index>& before = std::nullopt,
            const std::optional<Index>& after = std::nullopt) {
     if (before && after) Raise(kErrInvalidCall);
@@ -64,23 +58,22 @@ class OrderedKeyedCollection {
     if (after) at = OffsetOfAnchor(*after) + 1;
     if (Live() >= static_cast<size_t>(std::numeric_limits<int32_t>::max())) Raise(kErrOverflow);
 
-    KeyEntry* entry = nullptr;
+    uint32_t id = detail::KeyIndex::kNoKey;
     if (key) {
-      auto [it, inserted] = keys_.try_emplace(KeyPolicy::Normalize(*key));
-      if (!inserted) Raise(kErrDuplicateKey);
-      it->second.original = std::move(*key);
-      entry = &it->second;
+      if (!keys_) keys_ = std::make_unique<Keys>(items_.size());
+      id = keys_->index.Add(*key, 0);  // placed by InsertAt
+      if (id == detail::KeyIndex::kNoKey) Raise(kErrDuplicateKey);
     }
     try {
-      InsertAt(at, Node{std::move(item), entry});
+      InsertAt(at, std::move(item), id);
     } catch (...) {
-      if (entry) keys_.erase(KeyPolicy::Normalize(entry->original));
+      if (id != detail::KeyIndex::kNoKey) keys_->index.Remove(id);
       throw;
     }
   }
 
   // The entry at `index`; raises 9 (position) or 5 (key) when there is none.
-  T& Item(const Index& index) { return nodes_[IndexAt(index)].item; }
+  T& Item(const Index& index) { return items_[IndexAt(index)]; }
   const T& Item(const Index& index) const {
     return const_cast<OrderedKeyedCollection*>(this)->Item(index);
   }
@@ -88,18 +81,20 @@ class OrderedKeyedCollection {
   // The entry at `index`, or nullptr. Never raises.
   T* Find(const Index& index) noexcept {
     const size_t i = FindIndex(index);
-    return i == kNone ? nullptr : &nodes_[i].item;
+    return i == kNone ? nullptr : &items_[i];
   }
   const T* Find(const Index& index) const noexcept {
     return const_cast<OrderedKeyedCollection*>(this)->Find(index);
   }
   bool Exists(const Index& index) const noexcept { return Find(index) != nullptr; }
+  // Whether `key` is taken, without making an Index of it.
+  bool HasKey(std::string_view key) const noexcept { return FindKey(key) != kNone; }
 
   // The key of the entry at `index` (nullopt when it has none); raises like Item.
   std::optional<std::string> KeyOf(const Index& index) const {
-    const Node& node = nodes_[const_cast<OrderedKeyedCollection*>(this)->IndexAt(index)];
-    if (!node.key) return std::nullopt;
-    return node.key->original;
+    const uint32_t id = IdAt(const_cast<OrderedKeyedCollection*>(this)->IndexAt(index));
+    if (id == detail::KeyIndex::kNoKey) return std::nullopt;
+    return std::string(keys_->index.Text(id));
   }
   // The 1-based position of the entry at `index`; raises like Item.
   int32_t PositionOf(const Index& index) const {
@@ -109,72 +104,59 @@ class OrderedKeyedCollection {
 
   void Remove(const Index& index) {
     const size_t i = IndexAt(index);
-    if (KeyEntry* entry = nodes_[i].key) keys_.erase(KeyPolicy::Normalize(entry->original));
+    if (const uint32_t id = IdAt(i); id != detail::KeyIndex::kNoKey) {
+      keys_->index.Remove(id);
+      keys_->ids[i] = detail::KeyIndex::kNoKey;
+    }
     EraseAt(i - head_);
   }
 
   void Clear() noexcept {
-    keys_.clear();
-    nodes_.clear();
+    std::vector<T>().swap(items_);
     head_ = 0;
+    keys_.reset();
   }
 
-  template <class Base, class Value>
-  class BasicIterator {
-   public:
-    using iterator_category = std::forward_iterator_tag;
-    using value_type = T;
-    using difference_type = std::ptrdiff_t;
-    using pointer = Value*;
-    using reference = Value&;
-    BasicIterator() = default;
-    explicit BasicIterator(Base it) : it_(it) {}
-    reference operator*() const { return it_->item; }
-    pointer operator->() const { return &it_->item; }
-    BasicIterator& operator++() {
-      ++it_;
-      return *this;
-    }
-    BasicIterator operator++(int) {
-      BasicIterator old = *this;
-      ++it_;
-      return old;
-    }
-    friend bool operator==(const BasicIterator& a, const BasicIterator& b) {
-      return a.it_ == b.it_;
-    }
-
-   private:
-    Base it_{};
-  };
-  using iterator = BasicIterator<typename std::vector<Node>::iterator, T>;
-  using const_iterator = BasicIterator<typename std::vector<Node>::const_iterator, const T>;
-
-  iterator begin() noexcept { return iterator(nodes_.begin() + Offset(head_)); }
-  iterator end() noexcept { return iterator(nodes_.end()); }
-  const_iterator begin() const noexcept { return const_iterator(nodes_.begin() + Offset(head_)); }
-  const_iterator end() const noexcept { return const_iterator(nodes_.end()); }
+  using iterator = typename std::vector<T>::iterator;
+  using const_iterator = typename std::vector<T>::const_iterator;
+  iterator begin() noexcept { return items_.begin() + Offset(head_); }
+  iterator end() noexcept { return items_.end(); }
+  const_iterator begin() const noexcept { return items_.begin() + Offset(head_); }
+  const_iterator end() const noexcept { return items_.end(); }
 
  private:
+  // The key side, made at the first key: the index, and the id of each entry's key (kNoKey for
+  // none) beside items_, moved with them.
+  struct Keys {
+    explicit Keys(size_t entries) : index(KeyPolicy::kFoldCase), ids(entries) {}
+    detail::KeyIndex index;
+    std::vector<uint32_t> ids;
+  };
+
   static constexpr size_t kNone = static_cast<size_t>(-1);
   static std::ptrdiff_t Offset(size_t i) { return static_cast<std::ptrdiff_t>(i); }
 
-  size_t Live() const noexcept { return nodes_.size() - head_; }
+  size_t Live() const noexcept { return items_.size() - head_; }
+  uint32_t IdAt(size_t i) const noexcept {
+    return keys_ ? keys_->ids[i] : detail::KeyIndex::kNoKey;
+  }
 
-  // The index in nodes_ of the entry at `index`, or kNone.
-  size_t FindIndex(const Index& index) const noexcept {
-    if (index.IsPosition()) {
-      const int64_t position = index.Position();
-      if (position < 1 || position > static_cast<int64_t>(Live())) return kNone;
-      return head_ + static_cast<size_t>(position - 1);
-    }
-    if (keys_.empty()) return kNone;
+  size_t FindKey(std::string_view key) const noexcept {
+    if (!keys_ || keys_->index.Count() == 0) return kNone;
     try {
-      auto it = keys_.find(KeyPolicy::Normalize(index.Key()));
-      return it == keys_.end() ? kNone : it->second.index;
-    } catch (...) {
+      const uint32_t id = keys_->index.Find(key);
+      return id == detail::KeyIndex::kNoKey ? kNone : keys_->index.PositionOf(id);
+    } catch (...) {  // folding a key that is not ASCII can fail to allocate
       return kNone;
     }
+  }
+
+  // The index in items_ of the entry at `index`, or kNone.
+  size_t FindIndex(const Index& index) const noexcept {
+    if (index.IsKey()) return FindKey(index.Key());
+    const int64_t position = index.Position();
+    if (position < 1 || position > static_cast<int64_t>(Live())) return kNone;
+    return head_ + static_cast<size_t>(position - 1);
   }
 
   size_t IndexAt(const Index& index) {
@@ -191,51 +173,68 @@ class OrderedKeyedCollection {
     return i - head_;
   }
 
-  void Reindex(size_t from, size_t to) noexcept {
-    for (size_t i = from; i < to; ++i)
-      if (nodes_[i].key) nodes_[i].key->index = i;
+  // The key side follows every entry that moves.
+  void Place(size_t i, uint32_t id) noexcept {
+    if (!keys_) return;
+    keys_->ids[i] = id;
+    if (id != detail::KeyIndex::kNoKey) keys_->index.SetPosition(id, i);
+  }
+  void MoveEntry(size_t from, size_t to) noexcept {
+    items_[to] = std::move(items_[from]);
+    Place(to, IdAt(from));
+  }
+  void Renumber(size_t from) noexcept {
+    if (!keys_) return;
+    for (size_t i = from; i < items_.size(); ++i)
+      Place(i, keys_->ids[i]);
   }
 
   // Shifts the shorter side: entries before the insertion point move into the free room at the
   // front when there is some and they are fewer.
-  void InsertAt(size_t at, Node node) {
-    const size_t live = Live();
-    if (head_ > 0 && at < live / 2) {
+  void InsertAt(size_t at, T&& item, uint32_t id) {
+    if (head_ > 0 && at < Live() / 2) {
       --head_;
       for (size_t i = head_; i < head_ + at; ++i)
-        nodes_[i] = std::move(nodes_[i + 1]);
-      nodes_[head_ + at] = std::move(node);
-      Reindex(head_, head_ + at + 1);
+        MoveEntry(i + 1, i);
+      items_[head_ + at] = std::move(item);
+      Place(head_ + at, id);
       return;
     }
-    nodes_.insert(nodes_.begin() + Offset(head_ + at), std::move(node));
-    Reindex(head_ + at, nodes_.size());
+    // Both arrays get their room first, so the insertion itself cannot fail halfway.
+    if (items_.size() == items_.capacity()) items_.reserve(std::max<size_t>(4, items_.size() * 2));
+    if (keys_) keys_->ids.reserve(items_.capacity());
+    const size_t i = head_ + at;
+    items_.insert(items_.begin() + Offset(i), std::move(item));
+    if (keys_) keys_->ids.insert(keys_->ids.begin() + Offset(i), id);
+    Renumber(i);
   }
 
   void EraseAt(size_t at) {
-    const size_t live = Live();
-    if (at < live / 2 || at == 0) {
+    if (at < Live() / 2 || at == 0) {
       for (size_t i = head_ + at; i > head_; --i)
-        nodes_[i] = std::move(nodes_[i - 1]);
-      nodes_[head_] = Node{};
+        MoveEntry(i - 1, i);
+      items_[head_] = T{};
+      Place(head_, detail::KeyIndex::kNoKey);
       ++head_;
-      Reindex(head_, head_ + at);
+      if (items_.size() == head_) return Clear();
       // Give the room at the front back once it outweighs the entries.
       if (head_ > 16 && head_ > Live()) {
-        nodes_.erase(nodes_.begin(), nodes_.begin() + Offset(head_));
+        items_.erase(items_.begin(), items_.begin() + Offset(head_));
+        if (keys_) keys_->ids.erase(keys_->ids.begin(), keys_->ids.begin() + Offset(head_));
         head_ = 0;
-        Reindex(0, nodes_.size());
+        Renumber(0);
       }
-      if (nodes_.size() == head_) Clear();
       return;
     }
-    nodes_.erase(nodes_.begin() + Offset(head_ + at));
-    Reindex(head_ + at, nodes_.size());
+    const size_t i = head_ + at;
+    items_.erase(items_.begin() + Offset(i));
+    if (keys_) keys_->ids.erase(keys_->ids.begin() + Offset(i));
+    Renumber(i);
   }
 
-  std::vector<Node> nodes_;  // entries live in [head_, size)
+  std::vector<T> items_;  // entries live in [head_, size)
   size_t head_ = 0;
-  std::unordered_map<std::string, KeyEntry> keys_;
+  std::unique_ptr<Keys> keys_;
 };
 
 }  // namespace xun

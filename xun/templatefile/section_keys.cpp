@@ -1,5 +1,6 @@
 #include "xun/templatefile/section_keys.h"
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <optional>
@@ -73,9 +74,18 @@ S ItemLine(const std::shared_ptr<clsXUNStringItems>& items, const S& codes) {
   return line;
 }
 void ReadItems(clsXUNStringItems& items, const S& value, const S& codes) {
+  using xun::detail::StringItemsInternals;
   items.RemoveAll();
-  for (const std::string_view item : text::Split(text::Trim(value), "\t"))
-    items.Add(FileText(item, true, codes));
+  const std::string_view line = text::Trim(value);
+  if (line.empty()) return;
+  StringItemsInternals::Reserve(
+      items, 1 + static_cast<size_t>(std::count(line.begin(), line.end(), '\t')));
+  for (size_t start = 0;;) {
+    const size_t tab = line.find('\t', start);
+    StringItemsInternals::Append(items, FileText(line.substr(start, tab - start), true, codes));
+    if (tab == std::string_view::npos) break;
+    start = tab + 1;
+  }
 }
 
 xunDataType DataTypeValue(const S& value) {
@@ -457,25 +467,38 @@ constexpr SectionKey<Q> kQuestionKeys[] = {
 // Upper-case key and synonym to entry; the first entry of a key with two placements answers
 // for both, as they read alike.
 template <class O>
-class KeyIndex {
+class KeyTable {
  public:
-  explicit KeyIndex(std::span<const SectionKey<O>> keys) {
+  explicit KeyTable(std::span<const SectionKey<O>> keys) {
     names_.reserve(keys.size() * 2);
     for (const SectionKey<O>& entry : keys) {
       if (entry.form == ValueForm::kInfo) continue;
       names_.push_back(text::ToUpper(entry.key));
-      index_.try_emplace(names_.back(), &entry);
-      if (!entry.synonym.empty()) index_.try_emplace(entry.synonym, &entry);
+      const auto [it, added] = index_.try_emplace(names_.back(), order_.size());
+      if (!added) continue;
+      order_.push_back({names_.back(), &entry});
+      if (!entry.synonym.empty()) index_.try_emplace(entry.synonym, it->second);
     }
   }
+  // Files list a section's keys in table order, so the key after the one found last is tried
+  // before the hash table; the memory of it is per thread, as templates are read on several.
   const SectionKey<O>* Find(const S& key) const {
+    thread_local size_t next = 0;
+    if (next < order_.size() && order_[next].name == key) return order_[next++].entry;
     const auto found = index_.find(key);
-    return found == index_.end() ? nullptr : found->second;
+    if (found == index_.end()) return nullptr;
+    next = found->second + 1;
+    return order_[found->second].entry;
   }
 
  private:
-  std::vector<S> names_;  // reserved up front: the views below point into it
-  std::unordered_map<std::string_view, const SectionKey<O>*> index_;
+  struct Named {
+    std::string_view name;
+    const SectionKey<O>* entry;
+  };
+  std::vector<S> names_;      // reserved up front: the views below point into it
+  std::vector<Named> order_;  // each key once, in table order
+  std::unordered_map<std::string_view, size_t> index_;  // key or synonym to its place in order_
 };
 
 const S& CodesOf(ValueForm form) {
@@ -520,23 +543,23 @@ std::span<const SectionKey<Q>> QuestionKeys() {
 }
 
 const SectionKey<T>* FindFormKey(const S& key) {
-  static const KeyIndex<T> index(kFormKeys);
+  static const KeyTable<T> index(kFormKeys);
   return index.Find(key);
 }
 const SectionKey<P>* FindPageKey(const S& key) {
-  static const KeyIndex<P> index(kPageKeys);
+  static const KeyTable<P> index(kPageKeys);
   return index.Find(key);
 }
 const SectionKey<F>* FindFieldKey(const S& key) {
-  static const KeyIndex<F> index(kFieldKeys);
+  static const KeyTable<F> index(kFieldKeys);
   return index.Find(key);
 }
 const SectionKey<D>* FindDatabaseKey(const S& key) {
-  static const KeyIndex<D> index(kDatabaseKeys);
+  static const KeyTable<D> index(kDatabaseKeys);
   return index.Find(key);
 }
 const SectionKey<Q>* FindQuestionKey(const S& key) {
-  static const KeyIndex<Q> index(kQuestionKeys);
+  static const KeyTable<Q> index(kQuestionKeys);
   return index.Find(key);
 }
 
