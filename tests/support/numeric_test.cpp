@@ -2,6 +2,8 @@
 
 #include "common/test_support.h"
 
+#include <cmath>
+
 #include "xun/support/numeric.h"
 
 namespace xun {
@@ -21,6 +23,19 @@ TEST(Numeric, ValTakesTheLeadingNumberOnly) {
   EXPECT_EQ(Val("+7"), 7);
   EXPECT_EQ(Val("1e-400"), 0);
   EXPECT_EQ(RaisedError([] { Val("1e400"); }), kErrOverflow);
+}
+
+// Whole numbers take a shorter path than the rest; both must read alike at its edges.
+TEST(Numeric, WholeNumbersReadAsTheGeneralConversionReadsThem) {
+  EXPECT_TRUE(std::signbit(Val("-0")));
+  EXPECT_FALSE(std::signbit(Val("+0")));
+  EXPECT_EQ(Val("-32768"), -32768);
+  EXPECT_EQ(Val("0012"), 12);
+  EXPECT_EQ(Val("-"), 0);
+  EXPECT_EQ(Val("9007199254740993"), 9007199254740992.0);  // rounds to the nearest double
+  EXPECT_EQ(Val("9007199254740993.0"), 9007199254740992.0);
+  EXPECT_EQ(Val("12345678901234567890"), 12345678901234567890.0);
+  EXPECT_EQ(Val("7d"), 7);
 }
 
 TEST(Numeric, NumericTextIsTheWholeTextBlanksAside) {

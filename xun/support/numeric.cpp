@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <system_error>
 
@@ -43,6 +44,19 @@ size_t ScanNumber(std::string_view text, bool& has_digits) {
 }
 
 double ParseScanned(std::string_view number) {
+  // Most numbers in a template are short whole numbers ("0", "-1", "300"): below 2^53 they are
+  // exact as doubles, so they need no general conversion.
+  if (number.size() <= 16) {
+    const bool negative = number.front() == '-';
+    size_t i = (negative || number.front() == '+') ? 1 : 0;
+    int64_t whole = 0;
+    for (; i < number.size() && IsDigit(number[i]); ++i)
+      whole = whole * 10 + (number[i] - '0');
+    if (i == number.size()) {
+      const auto value = static_cast<double>(whole);
+      return negative ? -value : value;  // "-0" is negative zero, as the general path reads it
+    }
+  }
   std::string buffer(number);
   for (char& c : buffer)
     if (c == 'd' || c == 'D') c = 'e';

@@ -187,21 +187,6 @@ int CompareText(std::string_view a, std::string_view b) {
   return fa.compare(fb) < 0 ? -1 : (fa == fb ? 0 : 1);
 }
 
-std::string_view TrimLeft(std::string_view text) noexcept {
-  size_t start = 0;
-  while (start < text.size() && text[start] == ' ')
-    ++start;
-  return text.substr(start);
-}
-
-std::string_view Trim(std::string_view text) noexcept {
-  text = TrimLeft(text);
-  size_t stop = text.size();
-  while (stop > 0 && text[stop - 1] == ' ')
-    --stop;
-  return text.substr(0, stop);
-}
-
 std::vector<std::string_view> Split(std::string_view text, std::string_view delimiter) {
   std::vector<std::string_view> pieces;
   if (text.empty()) return pieces;

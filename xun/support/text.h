@@ -46,8 +46,20 @@ inline bool EqualsText(std::string_view a, std::string_view b) {
 }
 
 // Removes leading and trailing spaces (space characters only, as the classic Trim does).
-XUN_API std::string_view Trim(std::string_view text) noexcept;
-XUN_API std::string_view TrimLeft(std::string_view text) noexcept;
+// Inline: the template reader trims every line and value.
+inline std::string_view TrimLeft(std::string_view text) noexcept {
+  size_t start = 0;
+  while (start < text.size() && text[start] == ' ')
+    ++start;
+  return text.substr(start);
+}
+inline std::string_view Trim(std::string_view text) noexcept {
+  text = TrimLeft(text);
+  size_t stop = text.size();
+  while (stop > 0 && text[stop - 1] == ' ')
+    --stop;
+  return text.substr(0, stop);
+}
 
 // The pieces between occurrences of `delimiter` (exact match), empty pieces included, as the
 // classic Split: "a,,b," gives four pieces; empty text gives none; an empty delimiter gives the

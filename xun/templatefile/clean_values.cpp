@@ -1,4 +1,4 @@
-#include <bitset>
+#include <array>
 #include <optional>
 #include <string>
 #include <utility>
@@ -72,28 +72,44 @@ namespace xun::basTemplate::detail {
 
 namespace {
 
-// The ASCII characters a code list ("46,33,39") names; none when a code names a character
+// The bytes that make a value need the cleaner: line breaks, tabs when they are stripped, and
+// the ASCII characters a code list ("46,33,39") names. Not usable when a code names a character
 // outside ASCII, so such a list always takes the cleaner's own path.
-std::optional<std::bitset<128>> AsciiSetOf(const std::string& codes) {
-  std::bitset<128> set;
+struct StopBytes {
+  bool usable = true;
+  std::array<bool, 256> stop{};
+};
+
+StopBytes StopBytesOf(const std::string& codes, bool strip_tabs) {
+  StopBytes bytes;
+  bytes.stop['\r'] = bytes.stop['\n'] = true;
+  bytes.stop['\t'] = strip_tabs;
   for (const std::string_view code : text::Split(codes, ",")) {
     if (text::Trim(code).empty()) continue;
     const std::optional<char32_t> character = CharacterOfCode(code);
     if (!character) continue;  // names nothing to remove
-    if (*character >= 128) return std::nullopt;
-    set.set(static_cast<size_t>(*character));
+    if (*character >= 128) {
+      bytes.usable = false;
+      break;
+    }
+    bytes.stop[*character] = true;
   }
-  return set;
+  return bytes;
 }
 
 // The few code lists of a read, each converted once.
-const std::optional<std::bitset<128>>& CachedAsciiSet(const std::string& codes) {
-  thread_local std::vector<std::pair<std::string, std::optional<std::bitset<128>>>> cache;
-  for (const auto& [list, set] : cache)
-    if (list == codes) return set;
+const StopBytes& CachedStopBytes(const std::string& codes, bool strip_tabs) {
+  struct Cached {
+    std::string codes;
+    bool strip_tabs;
+    StopBytes bytes;
+  };
+  thread_local std::vector<Cached> cache;
+  for (const Cached& cached : cache)
+    if (cached.strip_tabs == strip_tabs && cached.codes == codes) return cached.bytes;
   if (cache.size() >= 16) cache.clear();
-  cache.emplace_back(codes, AsciiSetOf(codes));
-  return cache.back().second;
+  cache.push_back({codes, strip_tabs, StopBytesOf(codes, strip_tabs)});
+  return cache.back().bytes;
 }
 
 }  // namespace
@@ -103,16 +119,10 @@ std::string CleanText(std::string_view value, bool strip_tabs,
   if (value.empty()) return {};
   bool clean = value.front() != ' ' && value.back() != ' ';
   if (clean) {
-    const std::optional<std::bitset<128>>* set = nullptr;
-    if (!strip_characters.empty()) {
-      set = &CachedAsciiSet(strip_characters);
-      clean = set->has_value();
-    }
-    for (size_t i = 0; clean && i < value.size(); ++i) {
-      const auto c = static_cast<unsigned char>(value[i]);
-      if (c == '\r' || c == '\n' || (strip_tabs && c == '\t') || (set && c < 128 && (**set)[c]))
-        clean = false;
-    }
+    const StopBytes& bytes = CachedStopBytes(strip_characters, strip_tabs);
+    clean = bytes.usable;
+    for (size_t i = 0; clean && i < value.size(); ++i)
+      clean = !bytes.stop[static_cast<unsigned char>(value[i])];
   }
   if (clean) return std::string(value);
   return CleanTemplateValues(std::string(value), strip_tabs, strip_characters);

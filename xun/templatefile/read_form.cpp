@@ -36,9 +36,10 @@ void CorrectPaperSize(clsXUNTemplate& t) {
 bool ReadForm(ReaderContext& ctx) {
   ctx.section_line = ctx.cursor.LineNumber();
   clsXUNTemplate& t = ctx.tmpl;
+  KeyHint hint;
   const bool read =
-      ReadSectionKeys(ctx.cursor, [&](const std::string& key, const std::string& value) {
-        const SectionKey<clsXUNTemplate>* entry = FindFormKey(key);
+      ReadSectionKeys(ctx.cursor, [&](const std::string& key, std::string_view value) {
+        const SectionKey<clsXUNTemplate>* entry = FindFormKey(key, &hint);
         return !entry || ReadKeyValue(*entry, t, value, ctx);
       });
   if (!read) return false;

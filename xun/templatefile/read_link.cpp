@@ -8,7 +8,7 @@ namespace xun::basTemplate::detail {
 bool ReadLink(ReaderContext& ctx) {
   ctx.section_line = ctx.cursor.LineNumber();
   int32_t count = 0;
-  ReadSectionKeys(ctx.cursor, [&](const std::string& key, const std::string& value) {
+  ReadSectionKeys(ctx.cursor, [&](const std::string& key, std::string_view value) {
     if (key == "LINKEDFIELDS" || key == "JOINEDFIELDS") count = Int32Value(value);
     return true;
   });

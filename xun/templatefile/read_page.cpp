@@ -14,8 +14,9 @@ bool ReadPage(ReaderContext& ctx) {
   ctx.link_start_next = false;
 
   const std::shared_ptr<clsXUNPage> page = clsXUNPage::Create();
-  ReadSectionKeys(ctx.cursor, [&](const std::string& key, const std::string& value) {
-    const SectionKey<clsXUNPage>* entry = FindPageKey(key);
+  KeyHint hint;
+  ReadSectionKeys(ctx.cursor, [&](const std::string& key, std::string_view value) {
+    const SectionKey<clsXUNPage>* entry = FindPageKey(key, &hint);
     return !entry || ReadKeyValue(*entry, *page, value, ctx);
   });
   // Added only now: a page's key cannot change once it is in the list.

@@ -40,8 +40,9 @@ bool ReadQuestion(ReaderContext& ctx) {
   const RegionCarriedValues& region = ctx.region_carried;
   const bool carried = region.id_add || region.id_type || region.id_value || region.test_version_id;
   bool own_id_add = false, own_id_type = false, own_id_value = false, own_test_version = false;
-  ReadSectionKeys(ctx.cursor, [&](const std::string& key, const std::string& value) {
-    const SectionKey<clsXUNQuestion>* entry = FindQuestionKey(key);
+  KeyHint hint;
+  ReadSectionKeys(ctx.cursor, [&](const std::string& key, std::string_view value) {
+    const SectionKey<clsXUNQuestion>* entry = FindQuestionKey(key, &hint);
     if (!entry) return true;
     if (carried) {
       own_id_add |= key == "IDADD";

@@ -26,10 +26,11 @@ bool ReadRegion(ReaderContext& ctx) {
 
   const std::shared_ptr<clsXUNField> field = clsXUNField::Create();
   ctx.region_carried = {};
-  ReadSectionKeys(ctx.cursor, [&](const std::string& key, const std::string& value) {
-    if (const SectionKey<clsXUNField>* entry = FindFieldKey(key))
+  KeyHint field_hint, database_hint;
+  ReadSectionKeys(ctx.cursor, [&](const std::string& key, std::string_view value) {
+    if (const SectionKey<clsXUNField>* entry = FindFieldKey(key, &field_hint))
       return ReadKeyValue(*entry, *field, value, ctx);
-    if (const SectionKey<clsXUNFieldDB>* entry = FindDatabaseKey(key))
+    if (const SectionKey<clsXUNFieldDB>* entry = FindDatabaseKey(key, &database_hint))
       return ReadKeyValue(*entry, *field->DB(), value, ctx);
     return true;
   });

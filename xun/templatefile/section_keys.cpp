@@ -55,9 +55,9 @@ S AttributeLine(const DictionaryPtr& attributes) {
   }
   return line;
 }
-DictionaryPtr ReadAttributes(const S& value) {
+DictionaryPtr ReadAttributes(std::string_view value) {
   DictionaryPtr attributes = Dictionary::Create();
-  basPublic::StringToDictionary(value, attributes, "\t", "|");
+  basPublic::StringToDictionary(S(value), attributes, "\t", "|");
   return attributes;
 }
 
@@ -73,7 +73,7 @@ S ItemLine(const std::shared_ptr<clsXUNStringItems>& items, const S& codes) {
   }
   return line;
 }
-void ReadItems(clsXUNStringItems& items, const S& value, const S& codes) {
+void ReadItems(clsXUNStringItems& items, std::string_view value, const S& codes) {
   using xun::detail::StringItemsInternals;
   items.RemoveAll();
   const std::string_view line = text::Trim(value);
@@ -88,14 +88,14 @@ void ReadItems(clsXUNStringItems& items, const S& value, const S& codes) {
   }
 }
 
-xunDataType DataTypeValue(const S& value) {
+xunDataType DataTypeValue(std::string_view value) {
   const S word = text::ToUpper(text::Trim(value));
   if (word == "TEXT") return xunDataTypeText;
   if (word == "NUMERIC") return xunDataTypeNumeric;
   return static_cast<xunDataType>(Int16Value(value));
 }
 
-S UnscramblePassword(const S& value) {
+S UnscramblePassword(std::string_view value) {
   const S scrambled(text::Trim(value));
   if (scrambled.empty()) return {};
   return basPublic::HexToUnicode(
@@ -110,7 +110,7 @@ Written WriteExtra(const F& f) {
       line += (line.empty() ? "" : "\t") + std::to_string(item);
   return line;
 }
-bool ReadExtra(F& f, const S& value, ReaderContext&) {
+bool ReadExtra(F& f, std::string_view value, ReaderContext&) {
   const auto parsed = clsXUNFieldExtra::Create();
   // A piece out of the 16-bit range is reported and ends the values there.
   parsed->AddDelimitedString(S(text::Trim(value)), "\t");
@@ -125,7 +125,7 @@ Written WriteNamed(const F& f) {
   if (!f.Extra() || !f.Extra()->Exists(*Name)) return std::nullopt;
   return std::to_string(f.Extra()->Item(*Name));
 }
-std::optional<int16_t> NamedValueOf(const S& value, bool exact_text) {
+std::optional<int16_t> NamedValueOf(std::string_view value, bool exact_text) {
   const std::string_view trimmed = text::Trim(value);
   const double number = Val(trimmed);
   if (!(number >= -32768 && number <= 32767) || number != std::trunc(number)) return std::nullopt;
@@ -135,32 +135,32 @@ std::optional<int16_t> NamedValueOf(const S& value, bool exact_text) {
   if (exact_text && trimmed != std::to_string(whole)) return std::nullopt;
   return whole;
 }
-void KeepNamed(F& f, const char* name, const S& value, bool exact_text) {
+void KeepNamed(F& f, const char* name, std::string_view value, bool exact_text) {
   if (const std::optional<int16_t> number = NamedValueOf(value, exact_text))
     f.Extra()->SetNamed(name, *number);
 }
-bool ReadRegionIDAdd(F& f, const S& v, ReaderContext& ctx) {
+bool ReadRegionIDAdd(F& f, std::string_view v, ReaderContext& ctx) {
   ctx.region_carried.id_add = v;
   KeepNamed(f, kExtraIDAdd, v, false);
   return true;
 }
-bool ReadRegionIDType(F& f, const S& v, ReaderContext& ctx) {
+bool ReadRegionIDType(F& f, std::string_view v, ReaderContext& ctx) {
   ctx.region_carried.id_type = v;
   KeepNamed(f, kExtraIDType, v, false);
   return true;
 }
-bool ReadRegionIDValue(F& f, const S& v, ReaderContext& ctx) {
+bool ReadRegionIDValue(F& f, std::string_view v, ReaderContext& ctx) {
   ctx.region_carried.id_value = v;
   KeepNamed(f, kExtraIDValue, v, true);
   return true;
 }
-bool ReadRegionTestVersionID(F& f, const S& v, ReaderContext& ctx) {
+bool ReadRegionTestVersionID(F& f, std::string_view v, ReaderContext& ctx) {
   ctx.region_carried.test_version_id = v;
   KeepNamed(f, kExtraTestVersionID, v, false);
   return true;
 }
 // Only an image region keeps it; the kind is known here since RecogType comes first.
-bool ReadImageFillValue(F& f, const S& v, ReaderContext&) {
+bool ReadImageFillValue(F& f, std::string_view v, ReaderContext&) {
   if (f.RecognitionType() == xunRecogTypeImage) KeepNamed(f, kExtraImageFillValue, v, false);
   return true;
 }
@@ -171,7 +171,7 @@ constexpr const char* kNotValidText =
     "Operation aborted.";
 
 // A template marked not valid is read only for editing.
-bool ReadValid(T& t, const S& value, ReaderContext& ctx) {
+bool ReadValid(T& t, std::string_view value, ReaderContext& ctx) {
   const bool valid = FlagValue(value);
   xun::detail::TemplateInternals::SetValid(t, valid);
   if (valid || ctx.for_edit) return true;
@@ -188,7 +188,7 @@ constexpr const char* kFormatVersion = "8";
 constexpr SectionKey<T> kFormKeys[] = {
     {"Attributes", "", nullptr, ValueForm::kCustom, kEveryKind,
      [](const T& t) -> Written { return AttributeLine(t.Attributes()); },
-     [](T& t, const S& v, ReaderContext&) {
+     [](T& t, std::string_view v, ReaderContext&) {
        t.Attributes(ReadAttributes(v));
        return true;
      }},
@@ -217,13 +217,13 @@ constexpr SectionKey<T> kFormKeys[] = {
     {"Tag", "", PROPERTY(kTemplate, "Tag")},
     {"Version", "", nullptr, ValueForm::kCustom, kEveryKind,
      [](const T&) -> Written { return kFormatVersion; },
-     [](T& t, const S& v, ReaderContext&) {
+     [](T& t, std::string_view v, ReaderContext&) {
        xun::detail::TemplateInternals::SetVersion(t, FileText(v, true, kNoCodes));
        return true;
      }},
     {"CompatibleVersion", "", nullptr, ValueForm::kCustom, kEveryKind,
      [](const T&) -> Written { return kFormatVersion; },
-     [](T& t, const S& v, ReaderContext&) {
+     [](T& t, std::string_view v, ReaderContext&) {
        xun::detail::TemplateInternals::SetCompatibleVersion(t, FileText(v, true, kNoCodes));
        return true;
      }},
@@ -236,7 +236,7 @@ constexpr SectionKey<T> kFormKeys[] = {
 constexpr SectionKey<P> kPageKeys[] = {
     {"Attributes", "", nullptr, ValueForm::kCustom, kEveryKind,
      [](const P& p) -> Written { return AttributeLine(p.Attributes()); },
-     [](P& p, const S& v, ReaderContext&) {
+     [](P& p, std::string_view v, ReaderContext&) {
        p.Attributes(ReadAttributes(v));
        return true;
      }},
@@ -247,7 +247,7 @@ constexpr SectionKey<P> kPageKeys[] = {
        const std::shared_ptr<T> owner = p.ColumnWidth() == 0 ? p.Template() : nullptr;
        return ShortestDecimal(owner ? owner->ColumnWidth() : p.ColumnWidth());
      },
-     [](P& p, const S& v, ReaderContext&) {
+     [](P& p, std::string_view v, ReaderContext&) {
        p.ColumnWidth(SingleValue(v));
        return true;
      }},
@@ -265,7 +265,7 @@ constexpr SectionKey<P> kPageKeys[] = {
      [](const P& p) -> Written {
        return p.TimingMarks() ? p.TimingMarks()->AsString("\t", ",") : "";
      },
-     [](P& p, const S& v, ReaderContext&) {
+     [](P& p, std::string_view v, ReaderContext&) {
        // A fresh list: the list's own RemoveAll is the library's, and a new page has no marks.
        p.TimingMarks(clsXUNTimingMarks::Create());
        p.TimingMarks()->AddDelimitedString(S(text::Trim(v)), "\t", ",");
@@ -289,7 +289,7 @@ constexpr uint8_t kFirstExtra = kEveryKind & ~kEntry;
 constexpr SectionKey<F> kFieldKeys[] = {
     {"Attributes", "", nullptr, ValueForm::kCustom, kEveryKind,
      [](const F& f) -> Written { return AttributeLine(f.Attributes()); },
-     [](F& f, const S& v, ReaderContext&) {
+     [](F& f, std::string_view v, ReaderContext&) {
        f.Attributes(ReadAttributes(v));
        return true;
      }},
@@ -302,7 +302,7 @@ constexpr SectionKey<F> kFieldKeys[] = {
     {"FieldType", "", PROPERTY(kField, "FieldType")},
     {"DataType", "", PROPERTY(kField, "DataType"), ValueForm::kCustom, kEveryKind,
      [](const F& f) -> Written { return std::to_string(f.DataType()); },
-     [](F& f, const S& v, ReaderContext&) {
+     [](F& f, std::string_view v, ReaderContext&) {
        f.DataType(DataTypeValue(v));
        return true;
      }},
@@ -342,8 +342,8 @@ constexpr SectionKey<F> kFieldKeys[] = {
     // delimiter away.
     {"BarcodeDelimiter", "", PROPERTY(kField, "BarcodeDelimiter"), ValueForm::kCustom, kKindBarcode,
      [](const F& f) -> Written { return GetBarcodeDelimiter(f); },
-     [](F& f, const S& v, ReaderContext&) {
-       SetBarcodeDelimiter(f, v);
+     [](F& f, std::string_view v, ReaderContext&) {
+       SetBarcodeDelimiter(f, S(v));
        return true;
      }},
     {"BarcodeDistance", "", PROPERTY(kField, "BarcodeDistance"), ValueForm::kValue, kKindBarcode},
@@ -372,7 +372,7 @@ constexpr SectionKey<D> kDatabaseKeys[] = {
     {"DBReplace", "", PROPERTY(kFieldDB, "ReplaceField"), ValueForm::kTabsKept},
     {"DBReturn", "", nullptr, ValueForm::kCustom, kEveryKind,
      [](const D& d) -> Written { return ItemLine(d.ReturnFields(), kNoCodes); },
-     [](D& d, const S& v, ReaderContext&) {
+     [](D& d, std::string_view v, ReaderContext&) {
        ReadItems(*d.ReturnFields(), v, kNoCodes);
        return true;
      }},
@@ -387,7 +387,7 @@ constexpr SectionKey<D> kDatabaseKeys[] = {
        bool hex = false;
        return basPublic::Encrypt(d.Password(), kPasswordKey1, kPasswordKey2, kPasswordKey3, hex);
      },
-     [](D& d, const S& v, ReaderContext&) {
+     [](D& d, std::string_view v, ReaderContext&) {
        d.Password(UnscramblePassword(v));
        return true;
      }},
@@ -405,7 +405,7 @@ constexpr SectionKey<Q> kChoices = {
     ValueForm::kCustom,
     kChoicesFirst,
     [](const Q& q) -> Written { return ItemLine(q.Choices(), kLabelCodes); },
-    [](Q& q, const S& v, ReaderContext&) {
+    [](Q& q, std::string_view v, ReaderContext&) {
       ReadItems(*q.Choices(), v, kLabelCodes);
       return true;
     }};
@@ -416,7 +416,7 @@ constexpr SectionKey<Q> kCodes = {
     ValueForm::kCustom,
     kChoicesFirst,
     [](const Q& q) -> Written { return ItemLine(q.Codes(), kValueCodes); },
-    [](Q& q, const S& v, ReaderContext&) {
+    [](Q& q, std::string_view v, ReaderContext&) {
       ReadItems(*q.Codes(), v, kValueCodes);
       return true;
     }};
@@ -480,14 +480,12 @@ class KeyTable {
       if (!entry.synonym.empty()) index_.try_emplace(entry.synonym, it->second);
     }
   }
-  // Files list a section's keys in table order, so the key after the one found last is tried
-  // before the hash table; the memory of it is per thread, as templates are read on several.
-  const SectionKey<O>* Find(const S& key) const {
-    thread_local size_t next = 0;
-    if (next < order_.size() && order_[next].name == key) return order_[next++].entry;
+  const SectionKey<O>* Find(const S& key, KeyHint* hint) const {
+    if (hint && hint->next < order_.size() && order_[hint->next].name == key)
+      return order_[hint->next++].entry;
     const auto found = index_.find(key);
     if (found == index_.end()) return nullptr;
-    next = found->second + 1;
+    if (hint) hint->next = found->second + 1;
     return order_[found->second].entry;
   }
 
@@ -542,29 +540,30 @@ std::span<const SectionKey<Q>> QuestionKeys() {
   return kQuestionKeys;
 }
 
-const SectionKey<T>* FindFormKey(const S& key) {
+const SectionKey<T>* FindFormKey(const S& key, KeyHint* hint) {
   static const KeyTable<T> index(kFormKeys);
-  return index.Find(key);
+  return index.Find(key, hint);
 }
-const SectionKey<P>* FindPageKey(const S& key) {
+const SectionKey<P>* FindPageKey(const S& key, KeyHint* hint) {
   static const KeyTable<P> index(kPageKeys);
-  return index.Find(key);
+  return index.Find(key, hint);
 }
-const SectionKey<F>* FindFieldKey(const S& key) {
+const SectionKey<F>* FindFieldKey(const S& key, KeyHint* hint) {
   static const KeyTable<F> index(kFieldKeys);
-  return index.Find(key);
+  return index.Find(key, hint);
 }
-const SectionKey<D>* FindDatabaseKey(const S& key) {
+const SectionKey<D>* FindDatabaseKey(const S& key, KeyHint* hint) {
   static const KeyTable<D> index(kDatabaseKeys);
-  return index.Find(key);
+  return index.Find(key, hint);
 }
-const SectionKey<Q>* FindQuestionKey(const S& key) {
+const SectionKey<Q>* FindQuestionKey(const S& key, KeyHint* hint) {
   static const KeyTable<Q> index(kQuestionKeys);
-  return index.Find(key);
+  return index.Find(key, hint);
 }
 
 template <class O>
-bool ReadKeyValue(const SectionKey<O>& entry, O& object, const S& value, ReaderContext& ctx) {
+bool ReadKeyValue(const SectionKey<O>& entry, O& object, std::string_view value,
+                  ReaderContext& ctx) {
   if (entry.form == ValueForm::kCustom) return entry.read ? entry.read(object, value, ctx) : true;
   if (entry.form == ValueForm::kInfo || !entry.property) return true;
   const auto& access = entry.property->access;
@@ -615,11 +614,11 @@ void WriteKeys(TemplateText& out, std::span<const SectionKey<O>> keys, const O& 
   }
 }
 
-template bool ReadKeyValue(const SectionKey<T>&, T&, const S&, ReaderContext&);
-template bool ReadKeyValue(const SectionKey<P>&, P&, const S&, ReaderContext&);
-template bool ReadKeyValue(const SectionKey<F>&, F&, const S&, ReaderContext&);
-template bool ReadKeyValue(const SectionKey<D>&, D&, const S&, ReaderContext&);
-template bool ReadKeyValue(const SectionKey<Q>&, Q&, const S&, ReaderContext&);
+template bool ReadKeyValue(const SectionKey<T>&, T&, std::string_view, ReaderContext&);
+template bool ReadKeyValue(const SectionKey<P>&, P&, std::string_view, ReaderContext&);
+template bool ReadKeyValue(const SectionKey<F>&, F&, std::string_view, ReaderContext&);
+template bool ReadKeyValue(const SectionKey<D>&, D&, std::string_view, ReaderContext&);
+template bool ReadKeyValue(const SectionKey<Q>&, Q&, std::string_view, ReaderContext&);
 template void WriteKeys(TemplateText&, std::span<const SectionKey<T>>, const T&, uint8_t);
 template void WriteKeys(TemplateText&, std::span<const SectionKey<P>>, const P&, uint8_t);
 template void WriteKeys(TemplateText&, std::span<const SectionKey<F>>, const F&, uint8_t);

@@ -54,7 +54,7 @@ struct SectionKey {
   // kCustom and kInfo: the value to write (nullopt: the key is left out); kCustom: the reading
   // of a value (false stops the read; nullptr: never read back).
   Written (*write)(const O&) = nullptr;
-  bool (*read)(O&, const std::string& value, ReaderContext& ctx) = nullptr;
+  bool (*read)(O&, std::string_view value, ReaderContext& ctx) = nullptr;
 };
 
 std::span<const SectionKey<clsXUNTemplate>> FormKeys();
@@ -64,16 +64,22 @@ std::span<const SectionKey<clsXUNField>> FieldKeys();
 std::span<const SectionKey<clsXUNFieldDB>> DatabaseKeys();
 std::span<const SectionKey<clsXUNQuestion>> QuestionKeys();
 
-// The entry of the section for an upper-case key (one hash probe), or nullptr.
-const SectionKey<clsXUNTemplate>* FindFormKey(const std::string& key);
-const SectionKey<clsXUNPage>* FindPageKey(const std::string& key);
-const SectionKey<clsXUNField>* FindFieldKey(const std::string& key);
-const SectionKey<clsXUNFieldDB>* FindDatabaseKey(const std::string& key);
-const SectionKey<clsXUNQuestion>* FindQuestionKey(const std::string& key);
+// Files list a section's keys in table order, so a section's reader keeps where the key after the
+// one found last stands and tries it before the hash table.
+struct KeyHint {
+  size_t next = 0;
+};
+
+// The entry of the section for an upper-case key, or nullptr.
+const SectionKey<clsXUNTemplate>* FindFormKey(const std::string& key, KeyHint* hint = nullptr);
+const SectionKey<clsXUNPage>* FindPageKey(const std::string& key, KeyHint* hint = nullptr);
+const SectionKey<clsXUNField>* FindFieldKey(const std::string& key, KeyHint* hint = nullptr);
+const SectionKey<clsXUNFieldDB>* FindDatabaseKey(const std::string& key, KeyHint* hint = nullptr);
+const SectionKey<clsXUNQuestion>* FindQuestionKey(const std::string& key, KeyHint* hint = nullptr);
 
 // Reads one value into `object` as the entry says; false stops the read.
 template <class O>
-bool ReadKeyValue(const SectionKey<O>& entry, O& object, const std::string& value,
+bool ReadKeyValue(const SectionKey<O>& entry, O& object, std::string_view value,
                   ReaderContext& ctx);
 // Writes every key of `keys` that region kind `kind` writes, in table order.
 template <class O>

@@ -20,25 +20,25 @@ std::string HeaderOf(std::string_view line) {
   return text::ToUpper(trimmed);
 }
 
-double NumberValue(const std::string& value) {
+double NumberValue(std::string_view value) {
   return Val(text::Trim(value));
 }
 
-float SingleValue(const std::string& value) {
+float SingleValue(std::string_view value) {
   const double number = NumberValue(value);
   if (std::fabs(number) > std::numeric_limits<float>::max()) Raise(kErrOverflow);
   return static_cast<float>(number);
 }
 
-bool FlagValue(const std::string& value) {
+bool FlagValue(std::string_view value) {
   return NumberValue(value) != 0;
 }
 
-int16_t Int16Value(const std::string& value) {
+int16_t Int16Value(std::string_view value) {
   return CInt(NumberValue(value));
 }
 
-int32_t Int32Value(const std::string& value) {
+int32_t Int32Value(std::string_view value) {
   return CLng(NumberValue(value));
 }
 

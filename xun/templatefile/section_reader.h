@@ -62,22 +62,24 @@ class LineCursor {
 void UpperKeyNonAscii(std::string_view key, std::string& out);
 inline void UpperKey(std::string_view key, std::string& out) {
   key = text::Trim(key);
-  out.resize(key.size());
-  for (size_t i = 0; i < key.size(); ++i) {
-    const char c = key[i];
-    if (static_cast<unsigned char>(c) >= 0x80) return UpperKeyNonAscii(key, out);
-    out[i] = (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
-  }
+  // Two plain loops, not one with an early exit, so the compiler can vectorise both.
+  unsigned char high = 0;
+  for (const char c : key)
+    high |= static_cast<unsigned char>(c);
+  if (high >= 0x80) return UpperKeyNonAscii(key, out);
+  out.assign(key);
+  for (char& c : out)
+    c = static_cast<char>(c - ((c >= 'a' && c <= 'z') ? 'a' - 'A' : 0));
 }
 
 // Reads the key lines after the header the cursor stands on, up to the next line that begins
 // with "[", an empty line or the end of the file, and leaves the cursor on that line. Lines
-// without "=" are skipped. `on_key(key, value)` gets the upper-case key and the raw value of each
-// key line (both reused buffers, valid during the call); false stops the section. Returns false
-// when the handler stopped the section.
+// without "=" are skipped. `on_key(key, value)` gets the upper-case key (a reused buffer) and the
+// raw value of each key line (a view of the text), both valid during the call; false stops the
+// section. Returns false when the handler stopped the section.
 template <class OnKey>
 bool ReadSectionKeys(LineCursor& cursor, OnKey&& on_key) {
-  std::string key, value;
+  std::string key;
   cursor.Next();
   while (!cursor.AtEnd()) {
     const std::string_view line = text::TrimLeft(cursor.Current());
@@ -85,9 +87,7 @@ bool ReadSectionKeys(LineCursor& cursor, OnKey&& on_key) {
     const size_t equals = line.find('=');
     if (equals != std::string_view::npos) {
       UpperKey(line.substr(0, equals), key);
-      value.assign(line.substr(equals + 1));
-      if (!on_key(static_cast<const std::string&>(key), static_cast<const std::string&>(value)))
-        return false;
+      if (!on_key(static_cast<const std::string&>(key), line.substr(equals + 1))) return false;
     }
     cursor.Next();
   }
@@ -100,12 +100,12 @@ std::string HeaderOf(std::string_view line);
 // Value conversions of the file format: the lenient leading number, a flag that is true for
 // any number but 0, 16- and 32-bit whole numbers (error 6 out of range). Text is cleaned by
 // FileText (clean_text.h), as the writer cleans it.
-double NumberValue(const std::string& value);
+double NumberValue(std::string_view value);
 // A single-precision number; error 6 beyond its range, as a value the writer could not write
 // back (an infinity) must not be read.
-float SingleValue(const std::string& value);
-bool FlagValue(const std::string& value);
-int16_t Int16Value(const std::string& value);
-int32_t Int32Value(const std::string& value);
+float SingleValue(std::string_view value);
+bool FlagValue(std::string_view value);
+int16_t Int16Value(std::string_view value);
+int32_t Int32Value(std::string_view value);
 
 }  // namespace xun::basTemplate::detail
