@@ -29,7 +29,8 @@ TemplateHead LookAtHead(std::string_view start, uint64_t file_size) {
   TemplateHead result;
   result.encoding = EncodingByMark(head);
   bool shows = ShowsSection(head, result.encoding, whole_file);
-  // Without a mark, zero bytes are the only sign of UTF-16: no Windows-1252 text has them.
+  // Without a mark only a file with zero bytes can be UTF-16 (each ASCII character carries one).
+  // Windows-1252 was tried first, so a zero byte in a value of an ANSI file changes nothing.
   if (!shows && result.encoding == TextEncoding::Windows1252 &&
       head.find('\0') != std::string_view::npos) {
     for (const TextEncoding utf16 : {TextEncoding::Utf16LE, TextEncoding::Utf16BE}) {
