@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 
 #include "xun/support/text.h"
@@ -16,6 +17,43 @@ TEST(Text, Windows1252RoundTripsEveryByte) {
   EXPECT_EQ(Utf8ToWindows1252(utf8, &lossless), all);
   EXPECT_TRUE(lossless);
   EXPECT_EQ(Windows1252ToUtf8("\x80\x81\x9F"), "\u20AC\u0081\u0178");
+}
+
+TEST(Text, Windows1252ToUtf8EveryByteOfTheUpperHalf) {
+  // 0x80 to 0x9F: the code page's own characters, and the five unassigned bytes as C1 controls.
+  const char16_t c1[32] = {0x20AC, 0x81,   0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                           0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x8D,   0x017D, 0x8F,
+                           0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                           0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x9D,   0x017E, 0x0178};
+  for (int b = 0x80; b <= 0xFF; ++b) {
+    const char16_t expected = b < 0xA0 ? c1[b - 0x80] : static_cast<char16_t>(b);
+    EXPECT_EQ(Windows1252ToUtf8(std::string(1, static_cast<char>(b)) + "a"),
+              Utf16ToUtf8(std::u16string{expected, u'a'}))
+        << b;
+  }
+}
+
+// The one-pass byte decoder against the code-unit one, on units of every kind: ASCII, two- and
+// three-byte characters, pairs, and lone or reversed surrogates.
+TEST(Text, Utf16BytesDecodeAsTheirCodeUnits) {
+  std::mt19937 random(42);
+  const char16_t kinds[] = {u'a', 0x00E9, 0x6771, 0xD83D, 0xDE00, 0xFFFD, 0x0000};
+  for (int round = 0; round < 200; ++round) {
+    std::u16string units;
+    for (size_t n = random() % 12; n > 0; --n)
+      units.push_back(kinds[random() % std::size(kinds)]);
+    std::string le, be;
+    for (const char16_t u : units) {
+      le += {static_cast<char>(u & 0xFF), static_cast<char>(u >> 8)};
+      be += {static_cast<char>(u >> 8), static_cast<char>(u & 0xFF)};
+    }
+    bool odd = true;
+    EXPECT_EQ(Utf16BytesToUtf8(le, false, &odd), Utf16ToUtf8(units));
+    EXPECT_FALSE(odd);
+    EXPECT_EQ(Utf16BytesToUtf8(be, true), Utf16ToUtf8(units));
+    EXPECT_EQ(Utf16BytesToUtf8(be + "x", true, &odd), Utf16ToUtf8(units));
+    EXPECT_TRUE(odd);
+  }
 }
 
 TEST(Text, Windows1252MarksWhatItCannotHold) {

@@ -26,7 +26,8 @@ int CheckFile(const std::string& path) {
     return kExitError;
   }
   TemplateGuard guard(t);
-  const auto warnings = CollectWarnings(*t, FindSectionLines(path));
+  // Taken from the read itself: the file is not opened a second time.
+  const auto warnings = CollectWarnings(*t, xun::basTemplate::LastReadSectionLines());
   for (const Warning& w : warnings)
     std::cout << Diagnostic(path, w.line, "warning", "", w.text) << "\n";
   if (warnings.empty()) std::cout << path << ": ok\n";

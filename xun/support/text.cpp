@@ -7,6 +7,8 @@
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
 
+#include <array>
+#include <cstring>
 #include <memory>
 
 #include "xun/support/runtime_error.h"
@@ -71,15 +73,47 @@ std::string Utf16ToUtf8(std::u16string_view utf16) {
   return out;
 }
 
-std::string Utf16LEBytesToUtf8(std::string_view bytes, bool* odd_trailing_byte) {
-  if (odd_trailing_byte) *odd_trailing_byte = (bytes.size() % 2) != 0;
-  std::u16string units(bytes.size() / 2, u'\0');
-  for (size_t i = 0; i < units.size(); ++i) {
-    const auto lo = static_cast<unsigned char>(bytes[2 * i]);
-    const auto hi = static_cast<unsigned char>(bytes[2 * i + 1]);
-    units[i] = static_cast<char16_t>(lo | (hi << 8));
+namespace {
+
+// Walks the code points of UTF-16 bytes in one pass, as U16_NEXT_OR_FFFD would over code units:
+// a lone surrogate becomes U+FFFD. An odd trailing byte is not looked at.
+template <class OnCodePoint>
+void ForEachUtf16CodePoint(std::string_view bytes, bool big_endian, OnCodePoint&& on_code_point) {
+  const auto* b = reinterpret_cast<const unsigned char*>(bytes.data());
+  const size_t units = bytes.size() / 2;
+  const size_t high = big_endian ? 0 : 1;
+  auto unit = [&](size_t i) -> UChar32 { return (b[2 * i + high] << 8) | b[2 * i + (1 - high)]; };
+  for (size_t i = 0; i < units; ++i) {
+    UChar32 c = unit(i);
+    if (U16_IS_SURROGATE(c)) {
+      if (U16_IS_SURROGATE_LEAD(c) && i + 1 < units && U16_IS_TRAIL(unit(i + 1))) {
+        c = U16_GET_SUPPLEMENTARY(c, unit(i + 1));
+        ++i;
+      } else {
+        c = 0xFFFD;
+      }
+    }
+    on_code_point(c);
   }
-  return Utf16ToUtf8(units);
+}
+
+}  // namespace
+
+std::string Utf16BytesToUtf8(std::string_view bytes, bool big_endian, bool* odd_trailing_byte) {
+  if (odd_trailing_byte) *odd_trailing_byte = (bytes.size() % 2) != 0;
+  // Sized first, then filled: one buffer of the exact size, however large the text.
+  size_t size = 0;
+  ForEachUtf16CodePoint(bytes, big_endian,
+                        [&](UChar32 c) { size += static_cast<size_t>(U8_LENGTH(c)); });
+  std::string out(size, '\0');
+  auto* p = reinterpret_cast<uint8_t*>(out.data());
+  size_t n = 0;
+  ForEachUtf16CodePoint(bytes, big_endian, [&](UChar32 c) { U8_APPEND_UNSAFE(p, n, c); });
+  return out;
+}
+
+std::string Utf16LEBytesToUtf8(std::string_view bytes, bool* odd_trailing_byte) {
+  return Utf16BytesToUtf8(bytes, false, odd_trailing_byte);
 }
 
 std::string Utf8ToUtf16LEBytes(std::string_view utf8) {
@@ -92,17 +126,58 @@ std::string Utf8ToUtf16LEBytes(std::string_view utf8) {
   return bytes;
 }
 
+namespace {
+
+// The UTF-8 form of every Windows-1252 byte (one to three bytes), taken once from ICU's table so
+// that a whole file is converted by lookup, with no UTF-16 copy of it in between.
+struct Windows1252Utf8 {
+  std::array<std::array<char, 3>, 256> bytes{};
+  std::array<uint8_t, 256> length{};
+};
+
+Windows1252Utf8 BuildWindows1252Utf8() {
+  Windows1252Utf8 table;
+  ConverterPtr converter = OpenWindows1252();
+  for (int byte = 0; byte < 256; ++byte) {
+    const char in = static_cast<char>(byte);
+    UChar unit = 0;
+    UErrorCode status = U_ZERO_ERROR;
+    // Every byte is one character of the Basic Multilingual Plane.
+    const int32_t n = ucnv_toUChars(converter.get(), &unit, 1, &in, 1, &status);
+    if (U_FAILURE(status) || n != 1 || U16_IS_SURROGATE(unit)) Raise(kErrInternal);
+    auto* out = reinterpret_cast<uint8_t*>(table.bytes[byte].data());
+    int32_t length = 0;
+    U8_APPEND_UNSAFE(out, length, unit);
+    table.length[byte] = static_cast<uint8_t>(length);
+  }
+  return table;
+}
+
+const Windows1252Utf8& Windows1252Table() {
+  static const Windows1252Utf8 table = BuildWindows1252Utf8();
+  return table;
+}
+
+}  // namespace
+
 std::string Windows1252ToUtf8(std::string_view bytes) {
   if (IsAscii(bytes)) return std::string(bytes);
-  ConverterPtr converter = OpenWindows1252();
-  std::u16string units(bytes.size(), u'\0');
-  UErrorCode status = U_ZERO_ERROR;
-  const int32_t n = ucnv_toUChars(converter.get(), reinterpret_cast<UChar*>(units.data()),
-                                  static_cast<int32_t>(units.size()), bytes.data(),
-                                  static_cast<int32_t>(bytes.size()), &status);
-  if (U_FAILURE(status)) Raise(kErrInternal);
-  units.resize(static_cast<size_t>(n));
-  return Utf16ToUtf8(units);
+  const Windows1252Utf8& table = Windows1252Table();
+  size_t size = 0;
+  for (const unsigned char c : bytes)
+    size += table.length[c];
+  std::string out(size, '\0');
+  char* p = out.data();
+  for (const unsigned char c : bytes) {
+    if (c < 0x80) {
+      *p++ = static_cast<char>(c);
+    } else {
+      const uint8_t length = table.length[c];
+      std::memcpy(p, table.bytes[c].data(), length);
+      p += length;
+    }
+  }
+  return out;
 }
 
 namespace {

@@ -16,14 +16,18 @@ namespace xun::text {
 XUN_API std::u16string Utf8ToUtf16(std::string_view utf8);
 XUN_API std::string Utf16ToUtf8(std::u16string_view utf16);
 
-// UTF-16LE bytes -> UTF-8. An odd trailing byte cannot be decoded: it is left out and
+// UTF-16 bytes (little- or big-endian, no byte-order mark) -> UTF-8 in one pass, lone surrogates
+// becoming U+FFFD. An odd trailing byte cannot be decoded: it is left out and
 // `odd_trailing_byte` (when given) is set, so the caller can report it.
+XUN_API std::string Utf16BytesToUtf8(std::string_view bytes, bool big_endian,
+                                     bool* odd_trailing_byte = nullptr);
+// The same for UTF-16LE.
 XUN_API std::string Utf16LEBytesToUtf8(std::string_view bytes, bool* odd_trailing_byte = nullptr);
 // UTF-8 -> UTF-16LE bytes (no byte-order mark).
 XUN_API std::string Utf8ToUtf16LEBytes(std::string_view utf8);
 
-// Windows-1252 bytes -> UTF-8. The five bytes without a character (0x81, 0x8D, 0x8F, 0x90, 0x9D)
-// map to the C1 controls of the same value, so every byte round-trips.
+// Windows-1252 bytes -> UTF-8 in one pass. The five bytes without a character (0x81, 0x8D, 0x8F,
+// 0x90, 0x9D) map to the C1 controls of the same value, so every byte round-trips.
 XUN_API std::string Windows1252ToUtf8(std::string_view bytes);
 // UTF-8 -> Windows-1252. A character the code page cannot hold becomes "?" and clears
 // `lossless` (when given).

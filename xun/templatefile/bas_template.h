@@ -25,6 +25,15 @@ struct ReadDiagnostic {
 };
 XUN_API ReadDiagnostic LastReadDiagnostic();
 
+// Where the sections of the last ReadTemplate of this thread begin: the 1-based line of every
+// [Page], [Field], [Question] and [Link]/[Join] header it read, in file order (of the template
+// inside an archive). After a successful read the k-th region of the template is the one whose
+// header stands at `regions[k]`, and so on; a failed read leaves the sections it got to.
+struct ReadSectionLines {
+  std::vector<int32_t> pages, regions, questions, links;
+};
+XUN_API ReadSectionLines LastReadSectionLines();
+
 // Writes `oTemplate` to a template file.
 XUN_API bool SaveTemplate(const std::string& sTemplateFile, clsXUNTemplate& oTemplate,
                           bool bVerbose, bool* bInvalid, bool bRegister);

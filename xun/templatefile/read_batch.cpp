@@ -82,7 +82,7 @@ bool ReadBatch(clsXUNTemplate& oTemplate, const std::string& sBatchFile,
                const std::string& sDefaultTemplateDir) {
   return Trap(kLocation, false, [&] {
     const std::string bytes = ReadBatchBytes(sBatchFile);
-    const detail::DecodedText decoded = detail::DecodeTemplateText(bytes);
+    const detail::DecodedText decoded = detail::DecodeText(bytes, detail::EncodingByMark(bytes));
     const detail::BatchMembers named = detail::ParseBatchText(decoded.text());
     // A batch without a form template names nothing that could be read.
     if (named.form.empty()) return CannotRead(sBatchFile);

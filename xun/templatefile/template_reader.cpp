@@ -20,6 +20,9 @@
 #include "xun/templatefile/archive_password.h"
 #include "xun/templatefile/bas_template.h"
 #include "xun/templatefile/mapped_file.h"
+#include "xun/templatefile/section_headers.h"
+#include "xun/templatefile/source_file.h"
+#include "xun/templatefile/template_head.h"
 #include "xun/templatefile/text_decoding.h"
 
 namespace xun::basTemplate {
@@ -33,13 +36,16 @@ constexpr const char* kLoadError = "Load Error";
 constexpr const char* kLoadErrorText =
     "An error occurred attempting to load the specified template file. Please make sure the "
     "file is not currently in use by another application and that it is a valid template file.";
+constexpr const char* kLoadErrorLead =
+    "An error occurred attempting to load the specified template file. ";
 
 thread_local ReadDiagnostic last_diagnostic;
+thread_local ReadSectionLines last_sections;
 
 // Removes the temporary copy however the read ends.
 class TemporaryCopy {
  public:
-  explicit TemporaryCopy(std::string path) : path_(std::move(path)) {}
+  explicit TemporaryCopy(std::string path) noexcept : path_(std::move(path)) {}
   TemporaryCopy(const TemporaryCopy&) = delete;
   TemporaryCopy& operator=(const TemporaryCopy&) = delete;
   ~TemporaryCopy() {
@@ -109,22 +115,36 @@ void AdoptPageImages(clsXUNTemplate& oTemplate, const std::string& folder) {
 }
 
 bool Dispatch(detail::ReaderContext& ctx) {
+  ReadSectionLines& lines = last_sections;
   while (!ctx.cursor.AtEnd()) {
-    const std::string header = detail::HeaderOf(ctx.cursor.Current());
-    bool go = true;
-    if (header == "[QUESTION]") {
-      go = detail::ReadQuestion(ctx);
-    } else if (header == "[FIELD]") {
-      go = detail::ReadRegion(ctx);
-    } else if (header == "[FORM]") {
-      go = detail::ReadForm(ctx);
-    } else if (header == "[PAGE]") {
-      go = detail::ReadPage(ctx);
-    } else if (header == "[LINK]" || header == "[JOIN]") {
-      go = detail::ReadLink(ctx);
-      ++ctx.next_link_group;
-    } else {
+    const std::optional<detail::Section> section = detail::SectionOpenedBy(ctx.cursor.Current());
+    if (!section) {
       ctx.cursor.Next();
+      continue;
+    }
+    const int32_t line = ctx.cursor.LineNumber();
+    bool go = true;
+    switch (*section) {
+      case detail::Section::Question:
+        lines.questions.push_back(line);
+        go = detail::ReadQuestion(ctx);
+        break;
+      case detail::Section::Region:
+        lines.regions.push_back(line);
+        go = detail::ReadRegion(ctx);
+        break;
+      case detail::Section::Form:
+        go = detail::ReadForm(ctx);
+        break;
+      case detail::Section::Page:
+        lines.pages.push_back(line);
+        go = detail::ReadPage(ctx);
+        break;
+      case detail::Section::Link:
+        lines.links.push_back(line);
+        go = detail::ReadLink(ctx);
+        ++ctx.next_link_group;
+        break;
     }
     if (!go) return false;
   }
@@ -147,18 +167,44 @@ bool CheckContent(const clsXUNTemplate& oTemplate) {
   return true;
 }
 
+// A file over the size limit: the text names its size, or says it grew past the limit while it
+// was copied.
+bool FailTooLarge(std::optional<uint64_t> size) {
+  const std::string limit = std::to_string(detail::kMaxTemplateFileSize) + " bytes (" +
+                            std::to_string(detail::kMaxTemplateFileSize >> 20) + " MiB)";
+  const std::string what = size ? "The file is " + std::to_string(*size) +
+                                      " bytes long; a template file may be at most " + limit + "."
+                                : "The file grew past " + limit +
+                                      ", the most a template file may be, while it was read.";
+  detail::FailRead(kLoadError, kLoadErrorLead + what, kLocation, 0);
+  return false;
+}
+
+bool FailNotATemplate() {
+  detail::FailRead(kLoadError,
+                   kLoadErrorLead + std::string("It is not a template file: its first ") +
+                       std::to_string(detail::kTemplateHeadSize >> 10) +
+                       " KiB hold no section header ([Form], [Page], [Field], [Question], [Link] "
+                       "or [Join]).",
+                   kLocation, 0);
+  return false;
+}
+
 bool ReadCopy(const std::string& sTemplateFile, clsXUNTemplate& oTemplate, bool bForEdit) {
-  if (!fs::is_regular_file(sTemplateFile)) {
-    detail::FailRead(kLoadError, kLoadErrorText, kLocation, 0);
-    return false;
+  // Read a private copy, so a file another program is still writing cannot change under us. What
+  // is plainly no template is refused from its size and first bytes, before anything is copied or
+  // decoded: a large file of anything else costs no more than a small one.
+  std::string copy_path = basPublic::GetUniqueFileName("", ".omr", "");
+  if (copy_path.empty()) Raise(kErrPathFileAccess);
+  {
+    const detail::SourceFile source(sTemplateFile);
+    if (source.size() > detail::kMaxTemplateFileSize) return FailTooLarge(source.size());
+    const std::string head = source.Head(detail::kTemplateHeadSize);
+    if (!zip::LooksLikeZip(head) && detail::LookAtHead(head, source.size()).plainly_not_a_template)
+      return FailNotATemplate();
+    if (!source.CopyTo(copy_path, detail::kMaxTemplateFileSize)) return FailTooLarge(std::nullopt);
   }
-  // Read a private copy, so a file another program is still writing cannot change under us.
-  const TemporaryCopy copy(basPublic::GetUniqueFileName("", ".omr", ""));
-  if (copy.path().empty()) Raise(kErrPathFileAccess);
-  fs::copy_file(sTemplateFile, copy.path());
-  std::error_code ec;
-  fs::permissions(copy.path(), fs::perms::owner_read | fs::perms::owner_write,
-                  fs::perm_options::add, ec);
+  const TemporaryCopy copy(std::move(copy_path));
 
   // A template archive holds the .omr file and the page images; a refused or damaged archive
   // throws, which ReadTemplate turns into the load error.
@@ -176,7 +222,10 @@ bool ReadCopy(const std::string& sTemplateFile, clsXUNTemplate& oTemplate, bool 
     }
     file.emplace(inner);
   }
-  const detail::DecodedText decoded = detail::DecodeTemplateText(file->bytes());
+  // Looked at again: the copy is what is read, and an archive's template is seen only now.
+  const detail::TemplateHead head = detail::LookAtHead(file->bytes(), file->bytes().size());
+  if (head.plainly_not_a_template) return FailNotATemplate();
+  const detail::DecodedText decoded = detail::DecodeText(file->bytes(), head.encoding);
   if (decoded.odd_trailing_byte()) {
     detail::FailRead(kLoadError, kLoadErrorText, kLocation, 0);
     return false;
@@ -210,8 +259,13 @@ ReadDiagnostic LastReadDiagnostic() {
   return last_diagnostic;
 }
 
+ReadSectionLines LastReadSectionLines() {
+  return last_sections;
+}
+
 bool ReadTemplate(const std::string& sTemplateFile, clsXUNTemplate& oTemplate, bool bForEdit) {
   last_diagnostic = ReadDiagnostic{};
+  last_sections = ReadSectionLines{};
   try {
     return ReadCopy(sTemplateFile, oTemplate, bForEdit);
   } catch (const HostError&) {

@@ -6,13 +6,12 @@
 #include "xun/support/text.h"
 
 namespace xun::basTemplate::detail {
-
-bool IsUtf16LEText(std::string_view bytes) noexcept {
-  return bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFF &&
-         static_cast<unsigned char>(bytes[1]) == 0xFE;
-}
-
 namespace {
+
+bool StartsWith(std::string_view bytes, unsigned char first, unsigned char second) noexcept {
+  return bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == first &&
+         static_cast<unsigned char>(bytes[1]) == second;
+}
 
 // Eight bytes at a time: the check runs over every byte of every plain file.
 bool IsAscii(std::string_view bytes) noexcept {
@@ -30,10 +29,22 @@ bool IsAscii(std::string_view bytes) noexcept {
 
 }  // namespace
 
-DecodedText DecodeTemplateText(std::string_view bytes) {
+TextEncoding EncodingByMark(std::string_view bytes) noexcept {
+  if (StartsWith(bytes, 0xFF, 0xFE)) return TextEncoding::Utf16LE;
+  if (StartsWith(bytes, 0xFE, 0xFF)) return TextEncoding::Utf16BE;
+  return TextEncoding::Windows1252;
+}
+
+size_t MarkLength(std::string_view bytes, TextEncoding encoding) noexcept {
+  return encoding != TextEncoding::Windows1252 && EncodingByMark(bytes) == encoding ? 2 : 0;
+}
+
+DecodedText DecodeText(std::string_view bytes, TextEncoding encoding) {
   DecodedText decoded;
-  if (IsUtf16LEText(bytes)) {
-    decoded.owned_ = text::Utf16LEBytesToUtf8(bytes.substr(2), &decoded.odd_trailing_byte_);
+  bytes.remove_prefix(MarkLength(bytes, encoding));
+  if (encoding != TextEncoding::Windows1252) {
+    decoded.owned_ = text::Utf16BytesToUtf8(bytes, encoding == TextEncoding::Utf16BE,
+                                            &decoded.odd_trailing_byte_);
     decoded.converted_ = true;
   } else if (IsAscii(bytes)) {
     decoded.source_ = bytes;

@@ -6,6 +6,8 @@
 
 namespace xun::basTemplate::detail {
 
+enum class TextEncoding { Windows1252, Utf16LE, Utf16BE };
+
 // The decoded text of a file. Plain ASCII needs no conversion and is used where it lies, so a
 // read holds the file once; the caller keeps those bytes alive while the text is in use.
 class DecodedText {
@@ -14,18 +16,22 @@ class DecodedText {
   bool odd_trailing_byte() const noexcept { return odd_trailing_byte_; }
 
  private:
-  friend DecodedText DecodeTemplateText(std::string_view bytes);
+  friend DecodedText DecodeText(std::string_view bytes, TextEncoding encoding);
   std::string_view source_;
   std::string owned_;
   bool converted_ = false;
   bool odd_trailing_byte_ = false;  // UTF-16 text with half a code unit at its end
 };
 
-// True when the bytes start with the UTF-16LE byte-order mark, the sign of a "Unicode" file.
-bool IsUtf16LEText(std::string_view bytes) noexcept;
+// The encoding a byte-order mark announces (FF FE UTF-16LE, FE FF UTF-16BE); Windows-1252 for
+// bytes without one.
+TextEncoding EncodingByMark(std::string_view bytes) noexcept;
 
-// Decodes a whole file: UTF-16LE after its byte-order mark (lone surrogates become U+FFFD),
-// otherwise Windows-1252.
-DecodedText DecodeTemplateText(std::string_view bytes);
+// The length of the byte-order mark of `encoding` the bytes start with; 0 when they have none.
+size_t MarkLength(std::string_view bytes, TextEncoding encoding) noexcept;
+
+// Decodes the bytes in `encoding`, after its byte-order mark when they start with one, straight
+// to UTF-8: one buffer the size of the text, no copy in between.
+DecodedText DecodeText(std::string_view bytes, TextEncoding encoding);
 
 }  // namespace xun::basTemplate::detail

@@ -209,18 +209,24 @@ PY
   python3 "$check_png" scanned.png --args-from drawn.txt
   ;;
 checklines)
-  # Warnings name the same lines in a UTF-16 file; an archive has no lines to name.
+  # Warnings name the same lines in UTF-16 files (with a mark, and big-endian without one) and in
+  # an archive.
   data=$(dirname "$check_png")/data
   cp "$data/warnings.omr" warnings.omr
   python3 -c 'import sys; open(sys.argv[2], "wb").write(b"\xff\xfe" + open(sys.argv[1], "rb").read().decode("cp1252").encode("utf-16-le"))' \
     warnings.omr wide.omr
-  status=0
-  "$tool" check wide.omr >utf16.txt || status=$?
-  ((status == 1)) || fail "check of warnings in UTF-16 ended with $status"
+  python3 -c 'import sys; open(sys.argv[2], "wb").write(open(sys.argv[1], "rb").read().decode("cp1252").encode("utf-16-be"))' \
+    warnings.omr big.omr
   "$tool" check warnings.omr >ansi.txt || true
-  sed 's/^warnings.omr:/wide.omr:/' ansi.txt >expected.txt
-  cmp -s expected.txt utf16.txt || fail "UTF-16 lines differ: $(diff expected.txt utf16.txt)"
-  # The same template saved plain and as an archive (it has a page image) warns alike.
+  for wide in wide big; do
+    status=0
+    "$tool" check $wide.omr >utf16.txt || status=$?
+    ((status == 1)) || fail "check of warnings in $wide.omr ended with $status"
+    sed "s/^warnings.omr:/$wide.omr:/" ansi.txt >expected.txt
+    cmp -s expected.txt utf16.txt || fail "$wide.omr lines differ: $(diff expected.txt utf16.txt)"
+  done
+  # The same template saved plain and as an archive (it has a page image) warns alike, at the
+  # same lines: the archive's are those of the template inside it, written as the plain one is.
   make_pcx page.pcx 1
   "$tool" dump warnings.omr -o plain.json
   "$tool" build plain.json -o plain.omr >/dev/null
@@ -229,10 +235,9 @@ checklines)
   [[ $(first_bytes archive.omr 2) == 504b ]] || fail "archive.omr is not an archive"
   "$tool" check plain.omr >plain.txt || true
   "$tool" check archive.omr >archive.txt || true
-  # Without lines to sort by, the archive's warnings come in the order they were found.
-  sed 's/^plain.omr:[0-9]*:/archive.omr:/' plain.txt | sort >expected.txt
-  sort archive.txt >found.txt
-  cmp -s expected.txt found.txt || fail "archive warnings: $(diff expected.txt found.txt)"
+  grep -q '^archive.omr:[0-9]*: warning' archive.txt || fail "archive warnings name no line"
+  sed 's/^plain.omr:/archive.omr:/' plain.txt >expected.txt
+  cmp -s expected.txt archive.txt || fail "archive warnings: $(diff expected.txt archive.txt)"
   ;;
 read)
   # Three filled, turned scans of the exam and a file that is no image, read one at a time and
