@@ -164,6 +164,29 @@ TEST(ReadTemplate, ValueForms) {
   EXPECT_TRUE(ReadText(std::string("[Form]\nVersion=8\nValid=0\n[Page]\n") + kOmrRegion, true).ok);
 }
 
+// Keys are matched in any case and any order: the reader expects the written order and must
+// still find every key when a file has another.
+TEST(ReadTemplate, KeysMatchInAnyCaseAndOrder) {
+  ScopedMessageCapture messages;
+  const ReadResult r = ReadText(
+      "[form]\nvalid=-1\nVERSION=8\n[Page]\n"
+      "[Field]\nname=R\nrecogtype=1\nFieldType=1\nOrient=1\nnumcols=2\nNumRows=2\n"
+      "[Question]\ncodes=1\t2\nCHOICES=A\tB\nquestionname=Q\nCorrect=3\nmultsallowed=1\n"
+      "[Question]\nChoices=C\tD\nCodes=3\t4\nTAG=t\n" +
+      std::string(300, 'K') + "=ignored, not matched\n");
+  ASSERT_TRUE(r.ok) << (messages.messages().empty() ? "" : messages.messages()[0].text);
+  const auto questions = r.tmpl->Pages()->Item(1)->Fields()->Item(1)->Questions();
+  ASSERT_EQ(questions->Count(), 2);
+  const auto first = questions->Item(1);
+  EXPECT_EQ(first->QuestionName(), "Q");
+  EXPECT_EQ(first->Choices()->AsString(), "A\tB");
+  EXPECT_EQ(first->Codes()->AsString(), "1\t2");
+  EXPECT_DOUBLE_EQ(first->Correct(), 3);
+  EXPECT_EQ(first->MultsAllowed(), 1);
+  EXPECT_EQ(questions->Item(2)->Choices()->AsString(), "C\tD");
+  EXPECT_EQ(questions->Item(2)->Tag(), "t");
+}
+
 TEST(ReadTemplate, DecodesWindows1252AndUtf16) {
   ScopedMessageCapture messages;
   const std::string ansi =

@@ -37,11 +37,10 @@ bool ReadForm(ReaderContext& ctx) {
   ctx.section_line = ctx.cursor.LineNumber();
   clsXUNTemplate& t = ctx.tmpl;
   KeyHint hint;
-  const bool read =
-      ReadSectionKeys(ctx.cursor, [&](const std::string& key, std::string_view value) {
-        const SectionKey<clsXUNTemplate>* entry = FindFormKey(key, &hint);
-        return !entry || ReadKeyValue(*entry, t, value, ctx);
-      });
+  const bool read = ReadSectionKeys(ctx.cursor, [&](std::string_view key, std::string_view value) {
+    const SectionKey<clsXUNTemplate>* entry = FindFormKey(key, &hint);
+    return !entry || ReadKeyValue(*entry, t, value, ctx);
+  });
   if (!read) return false;
   CorrectPaperSize(t);
   return true;

@@ -8,8 +8,9 @@ namespace xun::basTemplate::detail {
 bool ReadLink(ReaderContext& ctx) {
   ctx.section_line = ctx.cursor.LineNumber();
   int32_t count = 0;
-  ReadSectionKeys(ctx.cursor, [&](const std::string& key, std::string_view value) {
-    if (key == "LINKEDFIELDS" || key == "JOINEDFIELDS") count = Int32Value(value);
+  ReadSectionKeys(ctx.cursor, [&](std::string_view key, std::string_view value) {
+    const std::string upper = UpperKey(key);
+    if (upper == "LINKEDFIELDS" || upper == "JOINEDFIELDS") count = Int32Value(value);
     return true;
   });
   // The number itself is advanced by ReadTemplate after every [Link], used or not.

@@ -15,7 +15,7 @@ bool ReadPage(ReaderContext& ctx) {
 
   const std::shared_ptr<clsXUNPage> page = clsXUNPage::Create();
   KeyHint hint;
-  ReadSectionKeys(ctx.cursor, [&](const std::string& key, std::string_view value) {
+  ReadSectionKeys(ctx.cursor, [&](std::string_view key, std::string_view value) {
     const SectionKey<clsXUNPage>* entry = FindPageKey(key, &hint);
     return !entry || ReadKeyValue(*entry, *page, value, ctx);
   });

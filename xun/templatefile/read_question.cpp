@@ -41,14 +41,14 @@ bool ReadQuestion(ReaderContext& ctx) {
   const bool carried = region.id_add || region.id_type || region.id_value || region.test_version_id;
   bool own_id_add = false, own_id_type = false, own_id_value = false, own_test_version = false;
   KeyHint hint;
-  ReadSectionKeys(ctx.cursor, [&](const std::string& key, std::string_view value) {
+  ReadSectionKeys(ctx.cursor, [&](std::string_view key, std::string_view value) {
     const SectionKey<clsXUNQuestion>* entry = FindQuestionKey(key, &hint);
     if (!entry) return true;
     if (carried) {
-      own_id_add |= key == "IDADD";
-      own_id_type |= key == "IDTYPE";
-      own_id_value |= key == "IDVALUE";
-      own_test_version |= key == "TESTVERSIONID";
+      own_id_add |= entry->key == "IDAdd";
+      own_id_type |= entry->key == "IDType";
+      own_id_value |= entry->key == "IDValue";
+      own_test_version |= entry->key == "TestVersionID";
     }
     return ReadKeyValue(*entry, *question, value, ctx);
   });

@@ -27,7 +27,7 @@ bool ReadRegion(ReaderContext& ctx) {
   const std::shared_ptr<clsXUNField> field = clsXUNField::Create();
   ctx.region_carried = {};
   KeyHint field_hint, database_hint;
-  ReadSectionKeys(ctx.cursor, [&](const std::string& key, std::string_view value) {
+  ReadSectionKeys(ctx.cursor, [&](std::string_view key, std::string_view value) {
     if (const SectionKey<clsXUNField>* entry = FindFieldKey(key, &field_hint))
       return ReadKeyValue(*entry, *field, value, ctx);
     if (const SectionKey<clsXUNFieldDB>* entry = FindDatabaseKey(key, &database_hint))

@@ -480,10 +480,11 @@ class KeyTable {
       if (!entry.synonym.empty()) index_.try_emplace(entry.synonym, it->second);
     }
   }
-  const SectionKey<O>* Find(const S& key, KeyHint* hint) const {
-    if (hint && hint->next < order_.size() && order_[hint->next].name == key)
+  const SectionKey<O>* Find(std::string_view key, KeyHint* hint) const {
+    if (key.size() > kLongestKey) return nullptr;
+    if (hint && hint->next < order_.size() && IsKeyIgnoringCase(key, order_[hint->next].name))
       return order_[hint->next++].entry;
-    const auto found = index_.find(key);
+    const auto found = index_.find(UpperKey(key));
     if (found == index_.end()) return nullptr;
     if (hint) hint->next = found->second + 1;
     return order_[found->second].entry;
@@ -540,23 +541,23 @@ std::span<const SectionKey<Q>> QuestionKeys() {
   return kQuestionKeys;
 }
 
-const SectionKey<T>* FindFormKey(const S& key, KeyHint* hint) {
+const SectionKey<T>* FindFormKey(std::string_view key, KeyHint* hint) {
   static const KeyTable<T> index(kFormKeys);
   return index.Find(key, hint);
 }
-const SectionKey<P>* FindPageKey(const S& key, KeyHint* hint) {
+const SectionKey<P>* FindPageKey(std::string_view key, KeyHint* hint) {
   static const KeyTable<P> index(kPageKeys);
   return index.Find(key, hint);
 }
-const SectionKey<F>* FindFieldKey(const S& key, KeyHint* hint) {
+const SectionKey<F>* FindFieldKey(std::string_view key, KeyHint* hint) {
   static const KeyTable<F> index(kFieldKeys);
   return index.Find(key, hint);
 }
-const SectionKey<D>* FindDatabaseKey(const S& key, KeyHint* hint) {
+const SectionKey<D>* FindDatabaseKey(std::string_view key, KeyHint* hint) {
   static const KeyTable<D> index(kDatabaseKeys);
   return index.Find(key, hint);
 }
-const SectionKey<Q>* FindQuestionKey(const S& key, KeyHint* hint) {
+const SectionKey<Q>* FindQuestionKey(std::string_view key, KeyHint* hint) {
   static const KeyTable<Q> index(kQuestionKeys);
   return index.Find(key, hint);
 }

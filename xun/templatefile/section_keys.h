@@ -70,12 +70,12 @@ struct KeyHint {
   size_t next = 0;
 };
 
-// The entry of the section for an upper-case key, or nullptr.
-const SectionKey<clsXUNTemplate>* FindFormKey(const std::string& key, KeyHint* hint = nullptr);
-const SectionKey<clsXUNPage>* FindPageKey(const std::string& key, KeyHint* hint = nullptr);
-const SectionKey<clsXUNField>* FindFieldKey(const std::string& key, KeyHint* hint = nullptr);
-const SectionKey<clsXUNFieldDB>* FindDatabaseKey(const std::string& key, KeyHint* hint = nullptr);
-const SectionKey<clsXUNQuestion>* FindQuestionKey(const std::string& key, KeyHint* hint = nullptr);
+// The entry of the section for a key as written (any case), or nullptr.
+const SectionKey<clsXUNTemplate>* FindFormKey(std::string_view key, KeyHint* hint = nullptr);
+const SectionKey<clsXUNPage>* FindPageKey(std::string_view key, KeyHint* hint = nullptr);
+const SectionKey<clsXUNField>* FindFieldKey(std::string_view key, KeyHint* hint = nullptr);
+const SectionKey<clsXUNFieldDB>* FindDatabaseKey(std::string_view key, KeyHint* hint = nullptr);
+const SectionKey<clsXUNQuestion>* FindQuestionKey(std::string_view key, KeyHint* hint = nullptr);
 
 // Reads one value into `object` as the entry says; false stops the read.
 template <class O>

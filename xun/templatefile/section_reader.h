@@ -57,38 +57,40 @@ class LineCursor {
   int32_t line_ = 1;
 };
 
-// A key upper-cased for matching: ASCII keys (all of the format's own) here, without a call
-// per key, anything else through text::ToUpper.
-void UpperKeyNonAscii(std::string_view key, std::string& out);
-inline void UpperKey(std::string_view key, std::string& out) {
-  key = text::Trim(key);
-  // Two plain loops, not one with an early exit, so the compiler can vectorise both.
-  unsigned char high = 0;
-  for (const char c : key)
-    high |= static_cast<unsigned char>(c);
-  if (high >= 0x80) return UpperKeyNonAscii(key, out);
-  out.assign(key);
-  for (char& c : out)
-    c = static_cast<char>(c - ((c >= 'a' && c <= 'z') ? 'a' - 'A' : 0));
+// Longer than any key of the format, with room to spare: a longer key (a whole line of garbage)
+// matches nothing and is never copied to find that out.
+inline constexpr size_t kLongestKey = 256;
+
+// A key upper-cased for matching: ASCII keys (all of the format's own) here, anything else through
+// text::ToUpper, which also gives the few letters outside ASCII whose capital is ASCII.
+std::string UpperKey(std::string_view key);
+
+// Whether the key as written is `upper` (a key of the format, ASCII, in upper case), ignoring
+// ASCII case. A key outside ASCII is never `upper` here; UpperKey decides those.
+inline bool IsKeyIgnoringCase(std::string_view key, std::string_view upper) noexcept {
+  if (key.size() != upper.size()) return false;
+  for (size_t i = 0; i < key.size(); ++i) {
+    const char c = key[i];
+    if ((c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c) != upper[i]) return false;
+  }
+  return true;
 }
 
 // Reads the key lines after the header the cursor stands on, up to the next line that begins
 // with "[", an empty line or the end of the file, and leaves the cursor on that line. Lines
-// without "=" are skipped. `on_key(key, value)` gets the upper-case key (a reused buffer) and the
-// raw value of each key line (a view of the text), both valid during the call; false stops the
-// section. Returns false when the handler stopped the section.
+// without "=" are skipped. `on_key(key, value)` gets the trimmed key as written and the raw value
+// of each key line, both views of the text; false stops the section. Returns false when the
+// handler stopped the section.
 template <class OnKey>
 bool ReadSectionKeys(LineCursor& cursor, OnKey&& on_key) {
-  std::string key;
   cursor.Next();
   while (!cursor.AtEnd()) {
     const std::string_view line = text::TrimLeft(cursor.Current());
     if (line.empty() || line.front() == '[') break;
     const size_t equals = line.find('=');
-    if (equals != std::string_view::npos) {
-      UpperKey(line.substr(0, equals), key);
-      if (!on_key(static_cast<const std::string&>(key), line.substr(equals + 1))) return false;
-    }
+    if (equals != std::string_view::npos &&
+        !on_key(text::Trim(line.substr(0, equals)), line.substr(equals + 1)))
+      return false;
     cursor.Next();
   }
   return true;
