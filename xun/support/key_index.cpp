@@ -76,9 +76,18 @@ bool KeyIndex::Matches(uint32_t id, std::string_view compared) const {
 }
 
 uint32_t KeyIndex::Add(std::string_view key, size_t position) {
-  // A key read out of this index (Text) would move under its own feet when the arena grows.
-  if (!arena_.empty() && key.data() >= arena_.data() && key.data() < arena_.data() + arena_.size())
-    return Add(std::string(key), position);
+  // A key read out of this index (Text) would move under its own feet as the index grows.
+  if (key.size() <= kShortKey) {
+    char copy[kShortKey];
+    key.copy(copy, key.size());
+    return AddOwned(std::string_view(copy, key.size()), position);
+  }
+  if (key.data() >= arena_.data() && key.data() < arena_.data() + arena_.size())
+    return AddOwned(std::string(key), position);
+  return AddOwned(key, position);
+}
+
+uint32_t KeyIndex::AddOwned(std::string_view key, size_t position) {
   const ComparedKey probe(key, fold_case_);
   const uint32_t hash = HashOf(probe.view());
   if (count_ > 0 && FindCompared(probe.view(), hash) != kNoKey) return kNoKey;
@@ -96,13 +105,19 @@ uint32_t KeyIndex::Add(std::string_view key, size_t position) {
     records_.back().offset = free_;
     free_ = static_cast<uint32_t>(records_.size());
   }
+  const bool is_short = key.size() <= kShortKey;
   const auto offset = static_cast<uint32_t>(arena_.size());
-  arena_.append(key);
+  if (!is_short) arena_.append(key);
 
   const uint32_t id = free_;
   Record& record = records_[id - 1];
   free_ = record.offset;
-  record = Record{offset, static_cast<uint32_t>(key.size()), hash, static_cast<uint32_t>(position)};
+  record = Record{is_short ? 0 : offset,
+                  static_cast<uint32_t>(key.size()),
+                  hash,
+                  static_cast<uint32_t>(position),
+                  {}};
+  if (is_short) key.copy(record.short_text, key.size());
   const size_t mask = slots_.size() - 1;
   size_t s = hash & mask;
   while (slots_[s].id != kNoKey)
@@ -131,8 +146,8 @@ void KeyIndex::Remove(uint32_t id) noexcept {
   }
   slots_[gap] = Slot{};
 
-  garbage_ += record.length;
-  record = Record{free_, 0, 0, kFree};
+  if (record.length > kShortKey) garbage_ += record.length;
+  record = Record{free_, 0, 0, kFree, {}};
   free_ = id;
   --count_;
 }
@@ -155,7 +170,7 @@ void KeyIndex::CompactArena() {
   std::string arena;
   arena.reserve(arena_.size() - garbage_);
   for (Record& record : records_) {
-    if (record.position == kFree) continue;
+    if (record.position == kFree || record.length <= kShortKey) continue;
     const auto offset = static_cast<uint32_t>(arena.size());
     arena.append(arena_, record.offset, record.length);
     record.offset = offset;

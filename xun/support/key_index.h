@@ -29,10 +29,10 @@ class XUN_API KeyIndex {
   uint32_t Add(std::string_view key, size_t position);
   void Remove(uint32_t id) noexcept;
 
-  // The key as it was given.
+  // The key as it was given; valid until the index changes.
   std::string_view Text(uint32_t id) const noexcept {
     const Record& r = records_[id - 1];
-    return {arena_.data() + r.offset, r.length};
+    return {r.length <= kShortKey ? r.short_text : arena_.data() + r.offset, r.length};
   }
   // Where the collection holds the entry of the key; the collection moves it.
   size_t PositionOf(uint32_t id) const noexcept { return records_[id - 1].position; }
@@ -41,11 +41,14 @@ class XUN_API KeyIndex {
   }
 
  private:
+  // Keys up to this long lie in their record, so finding one touches no further cache line.
+  static constexpr size_t kShortKey = 16;
   struct Record {
-    uint32_t offset = 0;  // in arena_; for a free record, the next free id
+    uint32_t offset = 0;  // of a longer key in arena_; for a free record, the next free id
     uint32_t length = 0;
     uint32_t hash = 0;
     uint32_t position = kFree;
+    char short_text[kShortKey];
   };
   struct Slot {
     uint32_t hash = 0;
@@ -53,6 +56,7 @@ class XUN_API KeyIndex {
   };
   static constexpr uint32_t kFree = UINT32_MAX;
 
+  uint32_t AddOwned(std::string_view key, size_t position);
   uint32_t FindCompared(std::string_view compared, uint32_t hash) const;
   bool Matches(uint32_t id, std::string_view compared) const;
   void Rehash(size_t capacity);
