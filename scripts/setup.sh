@@ -31,6 +31,12 @@ PACKAGES=(
   nlohmann-json3-dev # xuntemplate dump and build
   chromium           # the xuntemplate render test looks at the SVG in a browser
   python3            # the render test reads the browser's screenshot
+  python3-dev        # the Python module's headers
+  pybind11-dev       # the Python module's bindings
+  python3-numpy      # the Python module takes page images as numpy arrays
+  python3-pytest     # the Python module's tests
+  python3-pandas     # the Python module's read_forms(as_frame=True)
+  python3-distributed  # reading forms on a Dask cluster
   pkg-config
   ca-certificates
 )

@@ -29,13 +29,15 @@ fi
 echo "== normal build (g++)"
 # Options are given in full so a cache left by an earlier configure cannot switch parts off.
 CXX=g++ cmake -S . -B build -G Ninja -DXUN_WERROR=ON -DXUN_SANITIZE=OFF \
-  -DXUN_BUILD_TESTS=ON -DXUN_BUILD_BENCH=ON -DXUN_BUILD_TOOLS=ON
+  -DXUN_BUILD_TESTS=ON -DXUN_BUILD_BENCH=ON -DXUN_BUILD_TOOLS=ON -DXUN_BUILD_PYTHON=ON \
+  -DPython3_EXECUTABLE=/usr/bin/python3
 cmake --build build
 (cd build && ctest --output-on-failure --no-tests=error -j2)
 
 echo "== sanitizer build (clang++, ASan + UBSan)"
+# No Python module here: an ASan-built extension cannot be loaded into a plain interpreter.
 CXX=clang++ cmake -S . -B build-sanitize -G Ninja -DXUN_SANITIZE=ON -DXUN_WERROR=ON \
-  -DXUN_BUILD_TESTS=ON -DXUN_BUILD_BENCH=OFF -DXUN_BUILD_TOOLS=ON
+  -DXUN_BUILD_TESTS=ON -DXUN_BUILD_BENCH=OFF -DXUN_BUILD_TOOLS=ON -DXUN_BUILD_PYTHON=OFF
 cmake --build build-sanitize
 (cd build-sanitize &&
   ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:strict_string_checks=1 \
@@ -43,8 +45,9 @@ cmake --build build-sanitize
   ctest --output-on-failure --no-tests=error -j2)
 
 echo "== fuzz build (clang++, libFuzzer) and 60 seconds per fuzzer"
+# No Python module: a sanitizer-built extension cannot be loaded into a plain interpreter.
 CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DXUN_BUILD_FUZZ=ON -DXUN_WERROR=ON \
-  -DXUN_BUILD_TESTS=OFF -DXUN_BUILD_BENCH=OFF -DXUN_BUILD_TOOLS=OFF
+  -DXUN_BUILD_TESTS=OFF -DXUN_BUILD_BENCH=OFF -DXUN_BUILD_TOOLS=OFF -DXUN_BUILD_PYTHON=OFF
 cmake --build build-fuzz --target fuzz_read_template fuzz_read_archive fuzz_build_tree fuzz_engine
 for target in read_template read_archive build_tree engine; do
   # A copy of the seeds: the fuzzer adds to its corpus, and the repository must stay as it is.

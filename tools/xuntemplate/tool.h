@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "template_guard.h"
 #include "xun/xun.h"
 
 namespace xuntool {
@@ -73,23 +74,6 @@ void RequirePage(const xun::clsXUNTemplate& t, const std::string& file, int32_t 
 // Reads a template. bForEdit true opens it as an editor would (also templates not valid for
 // reading); false as the form-reading program does. Fails with the library's own diagnostic.
 std::shared_ptr<xun::clsXUNTemplate> OpenTemplate(const std::string& path, bool bForEdit);
-
-// Frees the tree when it goes out of scope: pages own temporary copies of their images, which
-// the template's Free deletes.
-class TemplateGuard {
- public:
-  explicit TemplateGuard(std::shared_ptr<xun::clsXUNTemplate> t) : t_(std::move(t)) {}
-  ~TemplateGuard() {
-    if (t_) t_->Free();
-  }
-  // The tree is handed on whole; nothing is freed.
-  void Release() { t_ = nullptr; }
-  TemplateGuard(const TemplateGuard&) = delete;
-  TemplateGuard& operator=(const TemplateGuard&) = delete;
-
- private:
-  std::shared_ptr<xun::clsXUNTemplate> t_;
-};
 
 enum class Encoding { Ansi, Utf16 };
 std::optional<Encoding> ParseEncoding(const std::string& name);

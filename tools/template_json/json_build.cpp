@@ -7,7 +7,7 @@
 
 #include "json_document.h"
 #include "json_properties.h"
-#include "tool.h"
+#include "template_guard.h"
 
 namespace xuntool {
 namespace {
@@ -24,8 +24,7 @@ class ObjectReader {
   }
 
   [[noreturn]] void Fail(const std::string& where, const std::string& what) const {
-    throw ToolError("xuntemplate: error: " + document_ + ": " + (where.empty() ? "/" : where) +
-                    ": " + what);
+    throw JsonError(document_ + ": " + (where.empty() ? "/" : where) + ": " + what);
   }
 
   // The value under `name`, or nullptr when absent; marks the key as known.

@@ -6,7 +6,6 @@
 
 #include "json_document.h"
 #include "json_properties.h"
-#include "tool.h"
 
 namespace xuntool {
 namespace {
@@ -89,7 +88,7 @@ Json PageImage(const xun::clsXUNPage& page, int32_t number, const DumpOptions& o
   const std::string stem = plain ? key : "page" + std::to_string(number);
   const fs::path copy = fs::path(options.images_folder) / (stem + ".pcx");
   fs::copy_file(page.ImageFile(), copy, fs::copy_options::overwrite_existing, ec);
-  if (ec) throw ToolError("xuntemplate: error: " + copy.string() + ": " + ec.message());
+  if (ec) throw JsonError(copy.string() + ": " + ec.message());
   const fs::path base = options.document_folder.empty() ? "." : options.document_folder;
   return fs::relative(fs::absolute(copy), fs::absolute(base)).generic_string();
 }
