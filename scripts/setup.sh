@@ -37,6 +37,7 @@ PACKAGES=(
   python3-pytest     # the Python module's tests
   python3-pandas     # the Python module's read_forms(as_frame=True)
   python3-distributed  # reading forms on a Dask cluster
+  python3-pil        # the Python module's tests decode scans into arrays
   pkg-config
   ca-certificates
 )

@@ -1,11 +1,11 @@
 // Reading filled forms: read_form and read_forms, records with the content of `xuntemplate
 // read`'s JSON Lines (one dict a form) and CSV (a table), the GIL released while reading.
+#include <png.h>
 #include <pybind11/numpy.h>
 #include <pybind11/stl.h>
 
 #include <atomic>
 #include <filesystem>
-#include <fstream>
 #include <random>
 #include <thread>
 
@@ -25,8 +25,8 @@ namespace {
 using xun::reading::FormRecord;
 using xun::reading::ScanPage;
 
-// Images handed over as arrays, written as PGM (grey) or PPM (colour) files in a folder of their
-// own for the reader, and removed with it.
+// Images handed over as arrays, written as PNG files in a folder of their own for the reader (the
+// reader takes files), and removed with it.
 class ArrayImages {
  public:
   ArrayImages() = default;
@@ -50,13 +50,18 @@ class ArrayImages {
       folder_ = fs::temp_directory_path() / ("xuntemplate-py-" + std::to_string(random()));
       fs::create_directories(folder_);
     }
-    const fs::path file = folder_ / ("image" + std::to_string(++count_) + (grey ? ".pgm" : ".ppm"));
-    std::ofstream out(file, std::ios::binary);
-    out << (grey ? "P5\n" : "P6\n") << image.shape(1) << " " << image.shape(0) << "\n255\n";
-    out.write(reinterpret_cast<const char*>(pixels.data()),
-              static_cast<std::streamsize>(pixels.size()));
-    out.close();
-    if (!out) throw std::runtime_error(file.string() + ": the image could not be written");
+    const fs::path file = folder_ / ("image" + std::to_string(++count_) + ".png");
+    png_image png{};
+    png.version = PNG_IMAGE_VERSION;
+    png.width = static_cast<png_uint_32>(image.shape(1));
+    png.height = static_cast<png_uint_32>(image.shape(0));
+    png.format = grey ? PNG_FORMAT_GRAY : PNG_FORMAT_RGB;
+    const bool written =
+        png_image_write_to_file(&png, file.c_str(), 0, pixels.data(), 0, nullptr) != 0;
+    const std::string why = png.message;
+    png_image_free(&png);
+    if (!written)
+      throw std::runtime_error(file.string() + ": the image could not be written: " + why);
     return file.string();
   }
 
