@@ -1,6 +1,9 @@
 // Template.dump() and Template.build(): the template as the same JSON document `xuntemplate dump`
 // writes and `xuntemplate build` reads, here as Python dicts and lists.
 #include <pybind11/stl.h>
+#include <pybind11/stl/filesystem.h>
+
+#include <filesystem>
 
 #include "bindings.h"
 #include "errors.h"
@@ -13,17 +16,18 @@ namespace py = pybind11;
 namespace xunpy {
 namespace {
 
-py::object Dump(xun::clsXUNTemplate& t, const std::string& images_folder,
-                const std::string& document_folder) {
+py::object Dump(xun::clsXUNTemplate& t, const std::filesystem::path& images_folder,
+                const std::filesystem::path& document_folder) {
   xuntool::DumpOptions options;
-  options.images_folder = images_folder;
-  options.document_folder = document_folder;
+  options.images_folder = images_folder.string();
+  options.document_folder = document_folder.string();
   return ToPython(xuntool::DumpTemplate(t, options));
 }
 
-std::shared_ptr<xun::clsXUNTemplate> Build(const py::handle& document, const std::string& folder) {
+std::shared_ptr<xun::clsXUNTemplate> Build(const py::handle& document,
+                                           const std::filesystem::path& folder) {
   const xuntool::Json json = FromPython(document, "");
-  return xuntool::BuildTemplate(json, folder, "document");
+  return xuntool::BuildTemplate(json, folder.string(), "document");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The objects of the template tree: every stored property of the library's property lists as a
 // snake_case attribute, plus the tree's links and the template's file operations.
 #include <pybind11/stl.h>
+#include <pybind11/stl/filesystem.h>
 
 #include <filesystem>
 #include <variant>
@@ -61,13 +62,14 @@ std::shared_ptr<xun::clsXUNStringItems> StringItems(const std::vector<std::strin
   return items;
 }
 
-std::shared_ptr<xun::clsXUNTemplate> ReadTemplate(const std::string& path, bool for_edit) {
+std::shared_ptr<xun::clsXUNTemplate> ReadTemplate(const std::filesystem::path& path,
+                                                  bool for_edit) {
   std::error_code ec;
   if (!std::filesystem::is_regular_file(path, ec))
-    RaiseError(53, "xuntemplate.Template.read", path + ": no such file", "");
+    RaiseError(53, "xuntemplate.Template.read", path.string() + ": no such file", "");
   auto t = xun::clsXUNTemplate::Create();
   try {
-    if (t->Read(path, for_edit)) return t;
+    if (t->Read(path.string(), for_edit)) return t;
   } catch (ReportedError& e) {
     // A failed read leaves the tree as far as it got, possibly owning page images.
     t->Free();
@@ -82,13 +84,14 @@ std::shared_ptr<xun::clsXUNTemplate> ReadTemplate(const std::string& path, bool 
              diagnostic.line);
 }
 
-bool SaveTemplate(xun::clsXUNTemplate& t, const std::string& path, bool verbose, bool register_) {
+bool SaveTemplate(xun::clsXUNTemplate& t, const std::filesystem::path& path, bool verbose,
+                  bool register_) {
   bool invalid = false;
-  if (!t.Save(path, verbose, &invalid, register_)) {
+  if (!t.Save(path.string(), verbose, &invalid, register_)) {
     const auto message = LastMessage();
     DropMessages();
     RaiseError(std::nullopt, "clsXUNTemplate.Save",
-               message ? message->second : path + ": the template was not saved",
+               message ? message->second : path.string() + ": the template was not saved",
                message ? message->first : "");
   }
   return !invalid;

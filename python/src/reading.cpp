@@ -3,6 +3,7 @@
 #include <png.h>
 #include <pybind11/numpy.h>
 #include <pybind11/stl.h>
+#include <pybind11/stl/filesystem.h>
 
 #include <atomic>
 #include <filesystem>
@@ -87,14 +88,14 @@ std::vector<std::string> ImageFiles(const py::iterable& images, ArrayImages& arr
   return files;
 }
 
-xun::reading::ReadOptions Options(const std::string& clip_folder) {
+xun::reading::ReadOptions Options(const std::filesystem::path& clip_folder) {
   xun::reading::ReadOptions options;
-  options.clip_folder = clip_folder;
+  options.clip_folder = clip_folder.string();
   return options;
 }
 
 py::dict ReadForm(const xun::clsXUNTemplate& t, const py::iterable& images,
-                  const std::string& clip_folder) {
+                  const std::filesystem::path& clip_folder) {
   ArrayImages arrays;
   const std::vector<std::string> files = ImageFiles(images, arrays);
   const xun::reading::FormReader reader(t, {}, Options(clip_folder));
@@ -140,7 +141,7 @@ std::vector<FormRecord> ReadAll(const xun::reading::FormReader& reader,
 }
 
 py::object ReadForms(const xun::clsXUNTemplate& t, const py::iterable& images, int jobs,
-                     bool as_frame, const std::string& clip_folder) {
+                     bool as_frame, const std::filesystem::path& clip_folder) {
   if (jobs < 0) throw py::value_error("jobs must be 0 (one a core) or more");
   ArrayImages arrays;
   const std::vector<std::string> files = ImageFiles(images, arrays);

@@ -55,8 +55,8 @@ def test_edit_save_and_read_back(exam, tmp_path):
     exam.description = "Changed"
     exam.pages[0].regions[1].questions[0].question_name = "Learner"
     target = tmp_path / "changed.omr"
-    assert exam.save(str(target)) is True
-    with xuntemplate.Template.read(str(target), for_edit=True) as back:
+    assert exam.save(target) is True  # paths as os.PathLike too
+    with xuntemplate.Template.read(target, for_edit=True) as back:
         assert back.description == "Changed"
         assert back.pages[0].regions[1].questions[0].question_name == "Learner"
         # What the module saved is what the tool reads.
