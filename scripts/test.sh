@@ -9,7 +9,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # Formatting is checked first but judged last, so drift does not hide a failing test.
 echo "== clang-format check"
 format_dirs=()
-for dir in xun imagefile imaging engine tests bench examples tools fuzz; do
+for dir in xun imagefile imaging engine tests bench examples tools fuzz python; do
   if [[ -d "$dir" ]]; then format_dirs+=("$dir"); fi
 done
 mapfile -d '' format_files < <(find "${format_dirs[@]}" -type f \
