@@ -113,6 +113,15 @@ void BindLists(py::module_& m) {
   BindList<xun::clsXUNTimingMarks>(m, "TimingMarks", "clsXUNTimingMarks", "timing marks of a page");
   BindAdd<xun::clsXUNPages, xun::clsXUNPage>(m, "Pages", "clsXUNPages");
   BindAdd<xun::clsXUNFields, xun::clsXUNField>(m, "Regions", "clsXUNFields");
+  auto marks = py::reinterpret_borrow<
+      py::class_<xun::clsXUNTimingMarks, std::shared_ptr<xun::clsXUNTimingMarks>>>(
+      m.attr("TimingMarks"));
+  marks.def(
+      "add",
+      [](xun::clsXUNTimingMarks& list, const std::shared_ptr<xun::clsXUNTimingMark>& mark,
+         std::optional<std::string> key) { return list.Add(mark, std::move(key)); },
+      py::arg("mark"), py::arg("key") = py::none(), py::call_guard<CallGuard>(),
+      "Adds a mark at the end, under key or a fresh one. Wraps clsXUNTimingMarks::Add");
 }
 
 }  // namespace xunpy

@@ -47,6 +47,15 @@ def test_adding_and_removing(exam):
     assert len(pages) == 1
     with pytest.raises(KeyError):
         pages.remove(page.key)
+    marks = exam.pages[0].timing_marks
+    mark = xuntemplate.TimingMark()
+    mark.left, mark.top, mark.width, mark.height = 10, 20, 30, 40
+    before = len(marks)
+    assert marks.add(mark, "corner")
+    assert len(marks) == before + 1
+    assert (marks["CORNER"].left, marks[-1].height) == (10, 40)
+    with pytest.raises(TypeError):  # beyond a 16-bit integer
+        mark.left = 1 << 20
     del exam.pages[0].regions[0]
     assert [r.field_name for r in exam.pages[0].regions] == ["Student", "Answers"]
 
