@@ -135,6 +135,7 @@ std::vector<FormRecord> ReadAll(const xun::reading::FormReader& reader,
       workers.emplace_back(work);
     for (std::thread& worker : workers)
       worker.join();
+    xun::reading::SetImageThreads(0);  // a single form read next may use every core again
   }
   if (failure) std::rethrow_exception(failure);
   return records;
