@@ -6,7 +6,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 ./scripts/setup.sh
-cmake -S . -B build -G Ninja -DXUN_BUILD_TOOLS=ON
+cmake -S . -B build -G Ninja -DXUN_BUILD_TOOLS=ON -DPython3_EXECUTABLE=/usr/bin/python3
 cmake --build build --target xuntemplate
 template=${1:-examples/templates/exam.omr}
 build/tools/xuntemplate/xuntemplate info "$template"
