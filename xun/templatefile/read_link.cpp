@@ -1,6 +1,7 @@
 // The [Link] section (older files: [JOIN]): the next regions of the page form one link group.
 #include <string>
 
+#include "xun/support/text.h"
 #include "xun/templatefile/template_reader.h"
 
 namespace xun::basTemplate::detail {
@@ -9,7 +10,7 @@ bool ReadLink(ReaderContext& ctx) {
   ctx.section_line = ctx.cursor.LineNumber();
   int32_t count = 0;
   ReadSectionKeys(ctx.cursor, [&](std::string_view key, std::string_view value) {
-    const std::string upper = UpperKey(key);
+    const std::string upper = text::ToUpper(key);
     if (upper == "LINKEDFIELDS" || upper == "JOINEDFIELDS") count = Int32Value(value);
     return true;
   });

@@ -484,7 +484,7 @@ class KeyTable {
     if (key.size() > kLongestKey) return nullptr;
     if (hint && hint->next < order_.size() && IsKeyIgnoringCase(key, order_[hint->next].name))
       return order_[hint->next++].entry;
-    const auto found = index_.find(UpperKey(key));
+    const auto found = index_.find(text::ToUpper(key));
     if (found == index_.end()) return nullptr;
     if (hint) hint->next = found->second + 1;
     return order_[found->second].entry;

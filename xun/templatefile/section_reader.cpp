@@ -10,15 +10,6 @@
 
 namespace xun::basTemplate::detail {
 
-std::string UpperKey(std::string_view key) {
-  std::string upper(key);
-  for (char& c : upper) {
-    if (static_cast<unsigned char>(c) >= 0x80) return text::ToUpper(key);
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - ('a' - 'A'));
-  }
-  return upper;
-}
-
 std::string HeaderOf(std::string_view line) {
   const std::string_view trimmed = text::Trim(line);
   if (trimmed.empty() || trimmed.front() != '[') return {};

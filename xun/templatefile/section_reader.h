@@ -61,12 +61,9 @@ class LineCursor {
 // matches nothing and is never copied to find that out.
 inline constexpr size_t kLongestKey = 256;
 
-// A key upper-cased for matching: ASCII keys (all of the format's own) here, anything else through
-// text::ToUpper, which also gives the few letters outside ASCII whose capital is ASCII.
-std::string UpperKey(std::string_view key);
-
 // Whether the key as written is `upper` (a key of the format, ASCII, in upper case), ignoring
-// ASCII case. A key outside ASCII is never `upper` here; UpperKey decides those.
+// ASCII case. A key outside ASCII is never `upper` here; text::ToUpper, which also gives the few
+// letters outside ASCII whose capital is ASCII, decides those.
 inline bool IsKeyIgnoringCase(std::string_view key, std::string_view upper) noexcept {
   if (key.size() != upper.size()) return false;
   for (size_t i = 0; i < key.size(); ++i) {

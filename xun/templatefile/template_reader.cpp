@@ -33,11 +33,13 @@ namespace fs = std::filesystem;
 constexpr const char* kLocation = "basTemplate.ReadTemplate";
 constexpr const char* kFormError = "Form Error";
 constexpr const char* kLoadError = "Load Error";
-constexpr const char* kLoadErrorText =
-    "An error occurred attempting to load the specified template file. Please make sure the "
-    "file is not currently in use by another application and that it is a valid template file.";
+// The load error's first sentence, which the size and "not a template" refusals go on from.
 constexpr const char* kLoadErrorLead =
     "An error occurred attempting to load the specified template file. ";
+const std::string kLoadErrorText =
+    std::string(kLoadErrorLead) +
+    "Please make sure the file is not currently in use by another application and that it is a "
+    "valid template file.";
 
 thread_local ReadDiagnostic last_diagnostic;
 thread_local ReadSectionLines last_sections;
